@@ -1,0 +1,83 @@
+// The input line language.
+//
+// Every answer the user types goes through one small language: several
+// fields on a line separated by commas or blanks, a field left empty for its
+// default, "?" for help, "$" to abort, "#" for a special command, and every
+// numeric field an arithmetic expression. A line is read once (RDLINE for a
+// menu, RDPROM for a question); its fields are then fetched one at a time by
+// the GT routines, which leave the caller's preset value where a field is
+// empty.
+//
+//   RDLINE  read one menu answer: a line, or a mouse click on a row
+//   RDPROM  read one answer to a question; clicks are no answer
+//   RDLNPR  check the form of a line and act on help, abort, special
+//   LNTOKN  scanner of the line language
+//   DOSPEC  run a special command ("#DATE", "#CALCULATOR", ...)
+//   GTITEM  fetch the next field of the line, converted by type
+//   GTINTV  fetch integers
+//   GTREAL  fetch reals
+//   GTCHAR  fetch texts
+//   GTLOGV  fetch logical values
+//   CVYESN  convert a yes/no word
+//   NOABRT  "No abort possibility"
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kntr::framework {
+
+// Length of an input line; a longer line is cut.
+inline constexpr int InputLineLength = 80;
+
+// Value types of the item fetcher.
+inline constexpr int TypeInteger = 2;
+inline constexpr int TypeReal = 3;
+inline constexpr int TypeText = 4;
+inline constexpr int TypeLogical = 5;
+
+// What kind of answer a line was.
+struct Answer {
+  bool click = false;     // a mouse click, at clickRow and clickColumn (one-based)
+  int clickRow = 0;
+  int clickColumn = 0;
+  bool abort = false;     // "$"
+  bool help = false;      // "?"
+  bool special = false;   // a "#" command was run: ask again
+  bool deflt = false;     // empty answer: take the default
+};
+
+// RDLINE: read one answer for a text menu, expecting `expected` fields.
+// status is set when the line is malformed or has the wrong field count.
+void RDLINE(int expected, Answer& answer, bool& status);
+
+// RDPROM: the same for a question; a click is no answer and is read past.
+void RDPROM(int expected, Answer& answer, bool& status);
+
+// RDLNPR: parse `line` against the expected field count; runs a special
+// command when the line is one. `disabled` blocks the data-changing commands.
+void RDLNPR(std::string_view line, int expected, bool disabled, Answer& answer, bool& status);
+
+// DOSPEC: run the special command `word` (text after "#", any case).
+void DOSPEC(std::string_view word);
+
+// GTINTV, GTREAL, GTCHAR, GTLOGV: fetch values.size() values from the line
+// read last. `deflt` comes back true when no value was converted. A field
+// left empty keeps the value the caller preset.
+void GTINTV(std::span<int> values, bool& deflt, bool& status);
+void GTREAL(std::span<double> values, bool& deflt, bool& status);
+void GTCHAR(std::span<std::string> texts, int maxLength, bool& deflt, bool& status);
+void GTLOGV(std::span<bool> values, bool& deflt, bool& status);
+
+// CVYESN: 1 for a yes word, 2 for a no word, 0 (status set, error shown)
+// otherwise.
+int CVYESN(std::string_view word, bool& status);
+
+// NOABRT: tell the user that this question cannot be aborted.
+void NOABRT();
+
+// The line most recently read, as typed (tests and the log).
+const std::string& currentInputLine();
+
+}  // namespace kntr::framework

@@ -1,0 +1,49 @@
+// Menus, questions and confirmations of the text family.
+//
+//   TXMENU  full-screen numbered menu; returns the selection
+//   ASKQST  put a question with its default and read one answer line
+//   OKLOAD  "OK to load ... without saving current data?"
+//   OKRSET  "OK to reset module ** KNTR ** ?"
+//   OKEXIT  "OK to EXIT module ** KNTR ** ?"
+//
+// A menu is a list of fixed-length rows. A blank row is a spacer and takes no
+// number. The default row is highlighted; a default of n + 1 adds a RETURN row.
+// Every answer that is not a special command or an error ticks the backup
+// clock, and at the configured interval the module's backup runs first.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kntr::framework {
+
+// TXMENU: show `items` under `title` and read a selection. `deflt` is 0 (no
+// default), 1..n (that row), or n + 1 (a RETURN row). `selection` is the
+// number chosen, counting only the rows that are not blank. `abort` is set by
+// "$". status is set when the screen is too small for the menu.
+void TXMENU(std::string_view title, std::span<const std::string> items, int deflt,
+            std::string_view help, bool& abort, int& selection, bool& status);
+
+// ASKQST: ask `question`, showing `deflt` as the default ("(no default)"
+// when blank), and read one line of `expected` fields. Help and special
+// commands are handled inside; the values are fetched afterwards with the
+// GT routines.
+void ASKQST(std::string_view question, std::string_view deflt, std::string_view help,
+            int expected, bool& abort, bool& status);
+
+// OKLOAD: the load confirmation; `graphic` asks in the graphics window.
+void OKLOAD(bool graphic, bool& answer);
+// OKRSET: the reset confirmation.
+void OKRSET(bool& answer);
+// OKEXIT: the exit confirmation; the question depends on `modified`.
+void OKEXIT(bool modified, bool& answer);
+
+// Ticks the backup clock after an answer, running the module's backup when
+// the counter has reached the interval.
+void tickBackupClock();
+
+// The state text of a toggle row: "ON/off" or "on/OFF".
+std::string logicalStateText(bool on);
+
+}  // namespace kntr::framework

@@ -1,0 +1,21 @@
+#include "framework/state.h"
+
+namespace kntr::framework {
+
+namespace {
+ProgramState& instance() {
+  static ProgramState state;
+  return state;
+}
+}  // namespace
+
+ProgramState& program() { return instance(); }
+
+void resetProgramState() { instance() = ProgramState{}; }
+
+ModuleCallbacks& callbacks() {
+  static ModuleCallbacks c;
+  return c;
+}
+
+}  // namespace kntr::framework

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Builds KNTR if needed and starts it. Arguments go to the program.
+set -euo pipefail
+here="$(cd "$(dirname "$0")" && pwd)"
+"$here/scripts/ensure-deps.sh" >&2
+if ! cmake -S "$here" -B "$here/build/release" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+     -DKNTR_TESTS=OFF >/dev/null 2>"$here/build-configure.log" ||
+   ! cmake --build "$here/build/release" --target kntr >"$here/build.log" 2>&1; then
+  echo "Build failed; see $here/build.log" >&2
+  exit 1
+fi
+rm -f "$here/build-configure.log"
+exec "$here/build/release/app/kntr" "$@"
