@@ -95,6 +95,9 @@ struct ProgramState {
   std::string lastFileDate;
   std::string lastFileTime;
 
+  // File-name type: 1 "unix-short", 2 "unix-long", 3 "dos".
+  int fileNameType = 1;
+
   // Spool file names.
   std::string printSpoolName = "spool.prnt";
   std::string plotSpoolName = "spool.plot";
