@@ -9,6 +9,7 @@
 #include <array>
 #include <cassert>
 #include <cstddef>
+#include <type_traits>
 
 namespace kntr {
 
@@ -62,6 +63,13 @@ class View1 {
   constexpr View1(T* data, int size) : data_(data), size_(size) {}
   template <int N>
   constexpr View1(Array1<T, N>& a) : data_(a.data()), size_(N) {}
+  // A read-only view of writable storage.
+  template <class U>
+    requires std::is_same_v<const U, T>
+  constexpr View1(const View1<U>& other) : data_(other.data()), size_(other.size()) {}
+  template <class U, int N>
+    requires std::is_same_v<const U, T>
+  constexpr View1(const Array1<U, N>& a) : data_(a.data()), size_(N) {}
 
   constexpr T& operator()(int i) const {
     assert(i >= 1 && i <= size_);
