@@ -18,4 +18,9 @@ ModuleCallbacks& callbacks() {
   return c;
 }
 
+FrameworkServices& services() {
+  static FrameworkServices s;
+  return s;
+}
+
 }  // namespace kntr::framework

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 namespace kntr::framework {
 
@@ -32,6 +33,9 @@ inline constexpr int TargetSystemPrinter = 2;
 inline constexpr int TargetFilePrinter = 3;
 
 struct ProgramState {
+  // The command line, program name first.
+  std::vector<std::string> arguments;
+
   // Identity.
   std::string SPNAME;             // module identifier, set by the module
   std::string SPVERS;             // module version, set by the module
@@ -118,5 +122,15 @@ struct ModuleCallbacks {
   void (*backup)(bool& status) = nullptr;
 };
 ModuleCallbacks& callbacks();
+
+// Framework services that the input language reaches by special command
+// ("#PROJECT", "#CONFIG", "#KILL"), wired at start-up so that the scanner
+// does not depend on the layers above it. A null member is not available.
+struct FrameworkServices {
+  void (*selectProject)(bool& status) = nullptr;      // choose or create a project
+  void (*readConfiguration)(bool& status) = nullptr;  // read all configuration files again
+  void (*closeLog)(bool& status) = nullptr;           // write the closing lines, close the log
+};
+FrameworkServices& services();
 
 }  // namespace kntr::framework
