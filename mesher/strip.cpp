@@ -100,15 +100,19 @@ void MRGTRI(bool ring, int maxStrip, int numA, int numB, View0<const int> a, Vie
     if (!(onB ? advanceB() : advanceA())) return;
   }
 
+  // Without a ring, a list that has come to its end is let on by one, so
+  // that its last triangle closes on the far vertex of both chains once the
+  // other list is done; the other list's points fan from its last point.
+  bool raisedA = false;
   if (!ring) {
-    // Let the last triangle close on the far vertex shared by both chains.
     if (i == endA) {
       ++endA;
+      raisedA = true;
     } else if (j == endB) {
       ++endB;
     }
   }
-  while (i < endA) {
+  while (i < endA && !raisedA) {
     if (!advanceA()) return;
   }
   while (j < endB) {
@@ -123,6 +127,9 @@ void MRGTRI(bool ring, int maxStrip, int numA, int numB, View0<const int> a, Vie
       }
     }
     if (!advanceB()) return;
+  }
+  while (i < endA) {
+    if (!advanceA()) return;
   }
 
   if (ring && k > 0) {
