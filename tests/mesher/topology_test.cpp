@@ -1,0 +1,202 @@
+// Hash values and the smoothing topology.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "mesher/hash.h"
+#include "mesher/topology.h"
+#include "support/console_fixture.h"
+
+namespace kntr::testing {
+namespace {
+
+using mesher::IHASH2;
+using mesher::IHASHN;
+using mesher::topology;
+
+class HashTest : public ConsoleTest {};
+
+TEST_F(HashTest, TextHashOfKnownTexts) {
+  // "37": 51 * 16 + 55. The longer texts pass 28 bits and fold; their values
+  // come from a separate implementation of the same rule.
+  EXPECT_EQ(mesher::hashText("37"), 871u);
+  EXPECT_EQ(mesher::hashText("12345"), 3430005u);
+  EXPECT_EQ(mesher::hashText("123456789012"), 183411906u);
+  EXPECT_EQ(mesher::hashText(""), 0u);
+}
+
+TEST_F(HashTest, PairHashIgnoresOrder) {
+  bool status = false;
+  EXPECT_EQ(IHASH2(3, 7, 199, status), 76);  // 871 mod 199, plus 1
+  EXPECT_FALSE(status);
+  EXPECT_EQ(IHASH2(7, 3, 199, status), 76);
+  // A number wider than the field of 8 is written as stars: the text is
+  // "99999999********", hashed to 248778 by the separate implementation.
+  EXPECT_EQ(IHASH2(100000000, 99999999, 199, status), 248778 % 199 + 1);
+  EXPECT_EQ(IHASH2(99999999, 100000000, 199, status), IHASH2(100000000, 99999999, 199, status));
+  EXPECT_EQ(IHASH2(99999999, 5, 1000000000, status),
+            static_cast<int>(mesher::hashText("599999999") % 1000000000) + 1);
+
+  type("\n");
+  EXPECT_EQ(IHASH2(0, 7, 199, status), 0);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(IHASH2) Numbers to be hashed must be positive!"), std::string::npos);
+}
+
+TEST_F(HashTest, ListHashIgnoresOrder) {
+  const unsigned seed = 99;
+  std::mt19937 rng(seed);
+  std::uniform_int_distribution<int> key(1, 50000);
+  for (int trial = 0; trial < 200; ++trial) {
+    const int n = 1 + trial % 10;
+    std::vector<int> keys(static_cast<std::size_t>(n));
+    for (int& k : keys) k = key(rng);
+    std::vector<int> sorted = keys;
+    std::sort(sorted.begin(), sorted.end());
+    std::string text;
+    for (const int k : sorted) text += std::to_string(k);
+    bool status = false;
+    const int expected = static_cast<int>(mesher::hashText(text) % 199) + 1;
+    EXPECT_EQ(IHASHN(n, View1<const int>(keys.data(), n), 199, status), expected)
+        << "seed " << seed << " trial " << trial;
+    std::shuffle(keys.begin(), keys.end(), rng);
+    EXPECT_EQ(IHASHN(n, View1<const int>(keys.data(), n), 199, status), expected)
+        << "seed " << seed << " trial " << trial;
+  }
+  // A pair hashes as IHASH2 does.
+  const int pair[2] = {7, 3};
+  bool status = false;
+  EXPECT_EQ(IHASHN(2, View1<const int>(pair, 2), 199, status), 76);
+}
+
+TEST_F(HashTest, ListHashRefusesBadKeys) {
+  const int keys[11] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+  bool status = false;
+  type("\n");
+  EXPECT_EQ(IHASHN(11, View1<const int>(keys, 11), 199, status), 0);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(IHASHN) Max allowed number of key values exceeded!maximum!"),
+            std::string::npos);
+  const int negative[3] = {4, -1, 2};
+  type("\n");
+  EXPECT_EQ(IHASHN(3, View1<const int>(negative, 3), 199, status), 0);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(IHASHN) Numbers to be hashed must be positive!"), std::string::npos);
+}
+
+class TopologyTest : public ConsoleTest {
+ protected:
+  void SetUp() override {
+    ConsoleTest::SetUp();
+    mesher::clearTopology();
+  }
+  int face(int a, int b, int c) {
+    int f = 0;
+    bool status = false;
+    mesher::ISFACE(a, b, c, f, status);
+    EXPECT_FALSE(status) << output();
+    return f;
+  }
+  int edgeBetween(int a, int b) {
+    for (int e = 1; e <= topology().NumEdges; ++e) {
+      const int p = topology().EdgeVertex(e, 1), q = topology().EdgeVertex(e, 2);
+      if ((p == a && q == b) || (p == b && q == a)) return e;
+    }
+    return 0;
+  }
+};
+
+TEST_F(TopologyTest, TwoFacesShareOneEdge) {
+  EXPECT_EQ(face(1, 2, 3), 1);
+  EXPECT_EQ(face(1, 3, 4), 2);
+  EXPECT_EQ(topology().NumFaces, 2);
+  EXPECT_EQ(topology().NumEdges, 5);
+  EXPECT_EQ(topology().EdgeClass(edgeBetween(1, 3)), mesher::InnerEdge);
+  for (const auto& [a, b] : std::vector<std::pair<int, int>>{{1, 2}, {2, 3}, {3, 4}, {4, 1}}) {
+    EXPECT_EQ(topology().EdgeClass(edgeBetween(a, b)), mesher::BoundaryEdge) << a << "-" << b;
+  }
+  for (int v = 1; v <= 4; ++v) EXPECT_EQ(topology().VertexClass(v), mesher::BoundaryVertex);
+  // The same vertices in any order are the same face.
+  EXPECT_EQ(face(3, 1, 2), 1);
+  EXPECT_EQ(topology().NumFaces, 2);
+}
+
+TEST_F(TopologyTest, CentreOfAFanIsInteriorWithItsRingInOrder) {
+  // Vertex 7 inside a ring 1..6.
+  for (int k = 1; k <= 6; ++k) face(7, k, k % 6 + 1);
+  EXPECT_EQ(topology().VertexClass(7), mesher::InteriorVertex);
+  for (int k = 1; k <= 6; ++k) EXPECT_EQ(topology().VertexClass(k), mesher::BoundaryVertex);
+  int count = 0;
+  std::vector<int> neighbours(25);
+  bool status = false;
+  mesher::IQVNBF(7, 25, count, View1<int>(neighbours.data(), 25), status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(count, 6);
+  for (int k = 1; k <= 6; ++k) EXPECT_EQ(neighbours[static_cast<std::size_t>(k - 1)], k);
+  // A ring vertex: its two ring neighbours and the centre.
+  mesher::IQVNBF(1, 25, count, View1<int>(neighbours.data(), 25), status);
+  ASSERT_EQ(count, 3);
+
+  type("\n");
+  mesher::IQVNBF(8, 25, count, View1<int>(neighbours.data(), 25), status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(IQVNBF) Illegal topology vertex index!"), std::string::npos);
+}
+
+TEST_F(TopologyTest, VertexOfTooManyFacesOverflows) {
+  for (int k = 2; k <= 26; ++k) face(1, k, k + 1);
+  EXPECT_EQ(topology().VertexFaceCount(1), 25);
+  int f = 0;
+  bool status = false;
+  type("\n");
+  mesher::ISFACE(1, 27, 28, f, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(ISFACE) Vertex->Face list overflowed!"), std::string::npos);
+}
+
+TEST_F(TopologyTest, FullChainsAreReported) {
+  face(1, 2, 3);
+  bool status = false;
+  // Fill the chains that this face's keys fall into, then file it again.
+  const int pair = IHASH2(1, 2, mesher::HashTableSize, status);
+  topology().EdgeHashCount(pair) = mesher::EdgeHashSlots;
+  type("\n");
+  mesher::MKEVHS(1, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(MKEVHS) Edge->vertex hash list overflowed by too many collisions!"),
+            std::string::npos);
+
+  const int vertices[3] = {1, 2, 3};
+  const int byVertices = IHASHN(3, View1<const int>(vertices, 3), mesher::HashTableSize, status);
+  topology().FaceVertexHashCount(byVertices) = mesher::FaceHashSlots;
+  type("\n");
+  mesher::MKFVHS(1, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(MKFVHS) Face->vertex hash list overflowed by too many collisions!"),
+            std::string::npos);
+
+  const int edges[3] = {topology().FaceEdge(1, 1), topology().FaceEdge(1, 2),
+                        topology().FaceEdge(1, 3)};
+  const int byEdges = IHASHN(3, View1<const int>(edges, 3), mesher::HashTableSize, status);
+  topology().FaceEdgeHashCount(byEdges) = mesher::FaceHashSlots;
+  type("\n");
+  mesher::MKFEHS(1, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(MKFEHS) Face->edge hash list overflowed by too many collisions!"),
+            std::string::npos);
+}
+
+TEST_F(TopologyTest, IllegalVertexNumberIsRefused) {
+  int f = 0;
+  bool status = false;
+  type("\n");
+  mesher::ISFACE(1, 0, 3, f, status);
+  EXPECT_TRUE(status);
+  EXPECT_EQ(topology().NumFaces, 0);
+}
+
+}  // namespace
+}  // namespace kntr::testing

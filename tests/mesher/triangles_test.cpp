@@ -1,0 +1,450 @@
+// Triangle generation: edge points, the inset, rows, strips, and whole
+// convex polygons checked as meshes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "mesher/convex.h"
+#include "mesher/strip.h"
+#include "mesher/triangles.h"
+#include "support/mesh_fixture.h"
+
+namespace kntr::testing {
+namespace {
+
+using mesher::Pi;
+using mesher::Triangle;
+using mesher::View0;
+
+class TrianglesTest : public MeshTest {
+ protected:
+  // The triangle stage alone, with the sizes set by the test.
+  void triangulate(bool& status) {
+    mesher::TRMSCP(m(), triangles(), numTriangles_, View1<int>(m().IntAux),
+                   View1<double>(m().RealAux), status);
+  }
+
+  // Vertices of polygon p's triangles that lie on the line x = c.
+  std::set<int> verticesOnVertical(int p, double c) {
+    std::set<int> found;
+    const int first = m().PolygonTriangleStart(p);
+    const int last = p < m().NumPolygons ? m().PolygonTriangleStart(p + 1) - 1 : numTriangles_;
+    for (int t = first; t <= last; ++t) {
+      for (int j = 1; j <= 3; ++j) {
+        const int v = triangles()(t)(j);
+        if (std::fabs(m().Vertices(v).x - c) < 1e-12) found.insert(v);
+      }
+    }
+    return found;
+  }
+
+  // True when every vertex lies on the region's boundary.
+  bool allOnBoundary() {
+    for (int v = 1; v <= m().NumVertices; ++v) {
+      const XY p = m().Vertices(v);
+      if (region_.contains(p, 1e-9) && !onBoundary(p)) return false;
+    }
+    return true;
+  }
+
+  bool onBoundary(const XY& p) {
+    for (const auto& poly : region_.polygons) {
+      for (std::size_t i = 0; i < poly.size(); ++i) {
+        const XY a = poly[i], b = poly[(i + 1) % poly.size()];
+        const double cross = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
+        const double along = (p.x - a.x) * (b.x - a.x) + (p.y - a.y) * (b.y - a.y);
+        const double length2 = (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
+        if (std::fabs(cross) <= 1e-9 * length2 && along >= -1e-12 && along <= length2 + 1e-12) {
+          return true;
+        }
+      }
+    }
+    return false;
+  }
+};
+
+TEST_F(TrianglesTest, SharedEdgeIsCutAtTheGeometricMeanOfBothSizes) {
+  // Two 8 x 8 squares side by side, sizes 1 and 4: the shared edge takes
+  // size 2, so 4 segments and 3 points, seen by both squares.
+  polygon({{0, 0}, {8, 0}, {16, 0}, {16, 8}, {8, 8}, {0, 8}});
+  split(2, 5);
+  ASSERT_EQ(m().NumPolygons, 2);
+  const int left = m().HalfEdge(m().PolygonFirst(1)).Vertex == 2 ? 1 : 2;
+  m().PolygonSize(left) = 1.0;
+  m().PolygonSize(3 - left) = 4.0;
+  bool status = false;
+  mesher::MKCPBM(m(), status);
+  ASSERT_FALSE(status);
+  // The shared edge is half-edge 2 (from (8, 0)) and its twin.
+  const int shared = 2, twin = m().HalfEdge(shared).Twin;
+  ASSERT_GT(twin, 0);
+  EXPECT_EQ(m().EdgePointCount(shared), 3);
+  EXPECT_EQ(m().EdgePointCount(twin), -3);
+  EXPECT_EQ(m().EdgePointStart(shared), m().EdgePointStart(twin));
+  const int start = m().EdgePointStart(shared);
+  for (int k = 0; k < 3; ++k) {
+    const XY p = m().Vertices(start + k);
+    EXPECT_NEAR(p.x, 8.0, 1e-15);
+    EXPECT_NEAR(p.y, 2.0 * (k + 1), 1e-12) << "point " << k;
+  }
+  // Outer edges: 8 of size 1 gives 7 points, 8 of size 4 gives 1.
+  EXPECT_EQ(m().EdgePointCount(1), 7);  // (0, 0) -> (8, 0), left square
+  EXPECT_EQ(m().EdgePointCount(3), 1);  // (16, 0) -> (16, 8), right square
+
+  // Both squares' triangles use exactly those points on the shared edge.
+  m().NumVertices = 6;  // the points are made again
+  triangulate(status);
+  ASSERT_FALSE(status) << output();
+  EXPECT_TRUE(meshIsProper());
+  const std::set<int> fromLeft = verticesOnVertical(left, 8.0);
+  const std::set<int> fromRight = verticesOnVertical(3 - left, 8.0);
+  EXPECT_EQ(fromLeft, fromRight);
+  EXPECT_EQ(fromLeft.size(), 5u);  // two corners and three points
+}
+
+TEST_F(TrianglesTest, EdgeGetsPointsFromOneAndAThirdSizes) {
+  // One segment grows to two when the rest is above 1/3; two grow to three
+  // above 2/5.
+  const std::vector<std::pair<double, int>> cases = {
+      {1.30, 0}, {1.34, 1}, {2.39, 1}, {2.41, 2}, {0.5, 0}};
+  for (const auto& [length, points] : cases) {
+    polygon({{0, 0}, {length, 0}, {length, length}, {0, length}});
+    m().PolygonSize(1) = 1.0;
+    bool status = false;
+    mesher::MKCPBM(m(), status);
+    ASSERT_FALSE(status);
+    EXPECT_EQ(m().EdgePointCount(1), points) << "length " << length;
+  }
+}
+
+TEST_F(TrianglesTest, ThinPolygonFallsToTheZipOfTwoChains) {
+  // 30 x 1 with about 20 triangles: the inset of h / sqrt(2) leaves nothing.
+  polygon({{0, 0}, {30, 0}, {30, 1}, {0, 1}});
+  bool status = false;
+  meshAll(20, status);
+  ASSERT_FALSE(status) << output();
+  ASSERT_EQ(m().NumPolygons, 1);
+  EXPECT_GT(m().PolygonSize(1) / std::sqrt(2.0), 0.5);
+  EXPECT_TRUE(meshIsProper());
+  EXPECT_TRUE(allOnBoundary());
+  // A strip over the boundary points: two fewer triangles than points.
+  EXPECT_EQ(numTriangles_, m().NumVertices - 2);
+}
+
+TEST_F(TrianglesTest, SingleRowDegeneratesToAFan) {
+  // A square of side 2 with h = 1.2: the inset leaves a small square with a
+  // single row of one point, and the strip fans round it.
+  polygon({{0, 0}, {2, 0}, {2, 2}, {0, 2}});
+  m().PolygonSize(1) = 1.2;
+  bool status = false;
+  triangulate(status);
+  ASSERT_FALSE(status) << output();
+  EXPECT_TRUE(meshIsProper());
+  ASSERT_EQ(m().NumVertices, 9);  // 4 corners, 4 edge points, the centre
+  EXPECT_NEAR(m().Vertices(9).x, 1.0, 1e-12);
+  EXPECT_NEAR(m().Vertices(9).y, 1.0, 1e-12);
+  ASSERT_EQ(numTriangles_, 8);
+  for (int t = 1; t <= 8; ++t) {
+    const Triangle& tri = triangles()(t);
+    EXPECT_TRUE(tri(1) == 9 || tri(2) == 9 || tri(3) == 9) << "triangle " << t;
+  }
+}
+
+struct Shape {
+  const char* name;
+  std::vector<XY> points;
+  std::vector<std::pair<int, int>> splits;
+};
+
+TEST_F(TrianglesTest, ConvexPolygonsMeshProperlyNearTheDesiredCount) {
+  const double r3 = std::sqrt(3.0);
+  const std::vector<Shape> shapes = {
+      {"square split in two", {{0, 0}, {10, 0}, {10, 10}, {0, 10}}, {{1, 3}}},
+      {"regular hexagon", {{2, 0}, {1, r3}, {-1, r3}, {-2, 0}, {-1, -r3}, {1, -r3}}, {}},
+      {"long thin rectangle", {{0, 0}, {40, 0}, {40, 1}, {0, 1}}, {}},
+      {"triangle", {{0, 0}, {10, 0}, {3, 6}}, {}},
+      {"pentagon in three", {{0, 0}, {6, -1}, {9, 3}, {5, 8}, {-1, 5}}, {{1, 3}, {1, 4}}},
+  };
+  for (const Shape& shape : shapes) {
+    for (const int desired : {10, 100, 1000, 5000}) {
+      polygon(shape.points);
+      for (const auto& [a, b] : shape.splits) split(a, b);
+      bool status = false;
+      meshAll(desired, status);
+      ASSERT_FALSE(status) << shape.name << " " << desired << output();
+      EXPECT_TRUE(meshIsProper()) << shape.name << " " << desired;
+      if (desired >= 100) {
+        EXPECT_NEAR(numTriangles_, desired, 0.25 * desired) << shape.name;
+      }
+    }
+  }
+}
+
+TEST_F(TrianglesTest, InsetOfKnownShapes) {
+  bool status = false;
+  int m = 0;
+  double sx[8], sy[8];
+  int edges[8];
+  double offsets[4] = {0.5, 0.5, 0.5, 0.5};
+  // A 4 x 3 rectangle shrinks to 3 x 2.
+  double rx[5] = {0, 4, 4, 0, 0}, ry[5] = {0, 0, 3, 3, 0};
+  mesher::SHRNCP(4, View0<const double>(rx, 5), View0<const double>(ry, 5),
+                 View0<const double>(offsets, 4), m, View0<double>(sx, 8), View0<double>(sy, 8),
+                 View0<int>(edges, 8), status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(m, 4);
+  EXPECT_EQ(sx[m], sx[0]);
+  EXPECT_EQ(sy[m], sy[0]);
+  std::set<std::pair<double, double>> corners;
+  for (int k = 0; k < 4; ++k) corners.insert({sx[k], sy[k]});
+  EXPECT_EQ(corners, (std::set<std::pair<double, double>>{
+                         {0.5, 0.5}, {3.5, 0.5}, {3.5, 2.5}, {0.5, 2.5}}));
+
+  // An equilateral triangle of inradius 1 shrinks by 0.25 to one of inradius
+  // 0.75, and by 1.25 to nothing.
+  const double side = 2.0 * std::sqrt(3.0);
+  double tx[4] = {0, side, side / 2, 0}, ty[4] = {0, 0, 3.0, 0};
+  double small[3] = {0.25, 0.25, 0.25};
+  mesher::SHRNCP(3, View0<const double>(tx, 4), View0<const double>(ty, 4),
+                 View0<const double>(small, 3), m, View0<double>(sx, 8), View0<double>(sy, 8),
+                 View0<int>(edges, 8), status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(m, 3);
+  const double area = mesher::IQCPAR(3, View1<const double>(sx, 3), View1<const double>(sy, 3));
+  EXPECT_NEAR(area, 3.0 * std::sqrt(3.0) * 0.75 * 0.75, 1e-12);
+  double large[3] = {1.25, 1.25, 1.25};
+  mesher::SHRNCP(3, View0<const double>(tx, 4), View0<const double>(ty, 4),
+                 View0<const double>(large, 3), m, View0<double>(sx, 8), View0<double>(sy, 8),
+                 View0<int>(edges, 8), status);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(m, 0);
+}
+
+TEST_F(TrianglesTest, InsetOfRandomConvexPolygonsKeepsTheDistance) {
+  // Every corner of the inset lies at the offset from the nearest edge line
+  // and inside all others.
+  const unsigned seed = 7;
+  std::mt19937 rng(seed);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  for (int trial = 0; trial < 200; ++trial) {
+    const int n = 3 + static_cast<int>(unit(rng) * 10);
+    std::vector<double> angles;
+    for (int k = 0; k < n; ++k) angles.push_back(unit(rng) * 2.0 * Pi);
+    std::sort(angles.begin(), angles.end());
+    std::vector<double> x, y;
+    for (const double a : angles) {
+      x.push_back(5.0 * std::cos(a));
+      y.push_back(3.0 * std::sin(a));
+    }
+    x.push_back(x[0]);
+    y.push_back(y[0]);
+    const double d = 0.1 + unit(rng);
+    std::vector<double> offsets(n, d), sx(n + 1), sy(n + 1);
+    std::vector<int> edges(n + 1);
+    int m = 0;
+    bool status = false;
+    type("\n");
+    mesher::SHRNCP(n, View0<const double>(x.data(), n + 1), View0<const double>(y.data(), n + 1),
+                   View0<const double>(offsets.data(), n), m, View0<double>(sx.data(), n + 1),
+                   View0<double>(sy.data(), n + 1), View0<int>(edges.data(), n + 1), status);
+    output();
+    if (status) continue;  // two corners on top of each other: parallel edges
+    for (int k = 0; k < m; ++k) {
+      double nearest = 1e300;
+      for (int e = 0; e < n; ++e) {
+        const double dx = x[e + 1] - x[e], dy = y[e + 1] - y[e];
+        const double left = (dx * (sy[k] - y[e]) - dy * (sx[k] - x[e])) / std::hypot(dx, dy);
+        EXPECT_GT(left, d - 1e-9) << "seed " << seed << " trial " << trial;
+        nearest = std::min(nearest, left);
+      }
+      EXPECT_NEAR(nearest, d, 1e-9) << "seed " << seed << " trial " << trial;
+    }
+  }
+}
+
+TEST_F(TrianglesTest, ParallelEdgesCannotBeIntersected) {
+  // A flat corner kept as a corner makes two consecutive parallel edges.
+  double x[6] = {0, 1, 2, 2, 0, 0}, y[6] = {0, 0, 0, 1, 1, 0};
+  double offsets[5] = {0.1, 0.1, 0.1, 0.1, 0.1}, sx[6], sy[6];
+  int edges[6];
+  int m = 0;
+  bool status = false;
+  type("\n");
+  mesher::SHRNCP(5, View0<const double>(x, 6), View0<const double>(y, 6),
+                 View0<const double>(offsets, 5), m, View0<double>(sx, 6), View0<double>(sy, 6),
+                 View0<int>(edges, 6), status);
+  EXPECT_TRUE(status);
+  EXPECT_EQ(m, 0);
+  EXPECT_NE(output().find("(SHRNCP) Encountered parallel edges when intersecting !"),
+            std::string::npos);
+
+  double px = 0.0, py = 0.0;
+  EXPECT_FALSE(mesher::IQOFIN(0, 0, 1, 0, 1.0, 5, 2, 3, 2, 1.0, px, py));
+  // y = 0 moved left (up) by 1 meets x = 0 (upward) moved left by 2.
+  EXPECT_TRUE(mesher::IQOFIN(0, 0, 1, 0, 1.0, 0, 0, 0, 1, 2.0, px, py));
+  EXPECT_NEAR(px, -2.0, 1e-15);
+  EXPECT_NEAR(py, 1.0, 1e-15);
+}
+
+TEST_F(TrianglesTest, TurnPutsTheDiameterUpright) {
+  // A parallelogram; its diameter is the long diagonal from 1 to 3.
+  double x[5] = {0, 6, 8, 2, 0}, y[5] = {0, 1, 4, 3, 0};
+  const double original[4][2] = {{0, 0}, {6, 1}, {8, 4}, {2, 3}};
+  int bottom = 0;
+  double c = 0.0, s = 0.0;
+  mesher::RTCPDM(4, View0<double>(x, 5), View0<double>(y, 5), 4, 2, bottom, c, s);
+  // The upper end (8, 4) now stands at index 4 and 0, right above the lower.
+  EXPECT_EQ(x[0], x[4]);
+  EXPECT_EQ(y[0], y[4]);
+  EXPECT_NEAR(x[4], x[bottom], 1e-12);
+  EXPECT_NEAR(y[4] - y[bottom], std::hypot(8.0, 4.0), 1e-12);
+  // Turned back, each point is where it was, in the same cyclic order.
+  for (int k = 0; k < 4; ++k) {
+    const int from = (k + 2) % 4;
+    EXPECT_NEAR(c * x[k] + s * y[k], original[from][0], 1e-12);
+    EXPECT_NEAR(c * y[k] - s * x[k], original[from][1], 1e-12);
+  }
+}
+
+TEST_F(TrianglesTest, RowsFillTheAreaInsideTheirWalk) {
+  // A rhombus with its diameter upright, rows at spacing h: the triangles
+  // are counterclockwise, their area is the area that the walk encloses, and
+  // their outer edges are steps of the walk. (Points at the ends of the top
+  // and bottom rows that face no other row hang on the walk as spikes, out
+  // and back.)
+  for (const double h : {0.3, 0.7, 1.0, 1.9}) {
+    double x[5] = {0, -2, 0, 2.5, 0}, y[5] = {5, 0.5, -5, 1, 5};
+    View1<XY> v = vertices();
+    int numVertices = 0, numTriangles = 0, walkLength = 0;
+    std::vector<int> walk(200);
+    bool status = false;
+    mesher::TRQUCP(4, View0<const double>(x, 5), View0<const double>(y, 5), h, 2, 1.0, 0.0,
+                   numVertices, v, numTriangles, triangles(), View0<int>(walk.data(), 200),
+                   walkLength, status);
+    ASSERT_FALSE(status) << output();
+    ASSERT_GT(walkLength, 0);
+    EXPECT_EQ(walk[0], walk[walkLength]);
+
+    std::set<std::pair<int, int>> directed, steps;
+    double area = 0.0;
+    for (int t = 1; t <= numTriangles; ++t) {
+      const Triangle& tri = triangles()(t);
+      const XY a = v(tri(1)), b = v(tri(2)), c = v(tri(3));
+      const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+      EXPECT_GT(twice, 0.0) << "h " << h << " triangle " << t;
+      area += 0.5 * twice;
+      for (int j = 1; j <= 3; ++j) {
+        EXPECT_TRUE(directed.insert({tri(j), tri(j % 3 + 1)}).second) << "h " << h;
+      }
+    }
+    double enclosed = 0.0;
+    for (int k = 0; k < walkLength; ++k) {
+      const XY a = v(walk[k]), b = v(walk[k + 1]);
+      enclosed += 0.5 * (a.x * b.y - b.x * a.y);
+      steps.insert({walk[k], walk[k + 1]});
+    }
+    EXPECT_NEAR(area, enclosed, 1e-12 * enclosed) << "h " << h;
+    for (const auto& [from, to] : directed) {
+      if (directed.count({to, from}) == 0) {
+        EXPECT_EQ(steps.count({from, to}), 1u) << "h " << h << " edge " << from << "->" << to;
+      }
+    }
+    // The first row stands half the rest below the top.
+    EXPECT_EQ(v(1).y, 5.0 - (10.0 - static_cast<int>(10.0 / h) * h) / 2.0);
+  }
+}
+
+TEST_F(TrianglesTest, ChainsAndRingsZipIntoProperStrips) {
+  // Two chains of a regular 12-gon between opposite corners.
+  std::vector<XY> ring;
+  View1<XY> v = vertices();
+  for (int k = 0; k < 12; ++k) {
+    v(k + 1) = XY{3.0 * std::cos(k * Pi / 6), 3.0 * std::sin(k * Pi / 6)};
+    ring.push_back(v(k + 1));
+  }
+  int a[7] = {1, 2, 3, 4, 5, 6, 7};
+  int b[7] = {1, 12, 11, 10, 9, 8, 7};
+  std::vector<int> sides(3 * 10), stack(10);
+  bool status = false;
+  mesher::MRGTRI(false, 10, 6, 6, View0<const int>(a, 7), View0<const int>(b, 7),
+                 View1<const XY>(v.data(), 12), triangles(),
+                 mesher::StripSides(View1<int>(sides.data(), 30)), status);
+  ASSERT_FALSE(status);
+  Region polygon12{{ring}};
+  EXPECT_TRUE(checkMesh(polygon12, View1<const XY>(v.data(), 12), 10,
+                        View1<const Triangle>(triangles().data(), 10)));
+  mesher::SWTRSP(false, 10, View1<const XY>(v.data(), 12), triangles(),
+                 mesher::StripSides(View1<int>(sides.data(), 30)), View1<int>(stack.data(), 10),
+                 status);
+  ASSERT_FALSE(status);
+  EXPECT_TRUE(checkMesh(polygon12, View1<const XY>(v.data(), 12), 10,
+                        View1<const Triangle>(triangles().data(), 10)));
+
+  // A ring between a square of 12 boundary points and a small inner square.
+  std::vector<XY> outer, inner;
+  for (int k = 0; k < 12; ++k) {
+    const int side = k / 3, step = k % 3;
+    const double t = -3.0 + 2.0 * step;
+    const XY p = side == 0 ? XY{t, -3} : side == 1 ? XY{3, t} : side == 2 ? XY{-t, 3} : XY{-3, -t};
+    v(k + 1) = p;
+    outer.push_back(p);
+  }
+  const XY small[4] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+  for (int k = 0; k < 4; ++k) {
+    v(13 + k) = small[k];
+    inner.push_back(small[k]);
+  }
+  int listA[13], listB[5];
+  for (int k = 0; k <= 12; ++k) listA[k] = k % 12 + 1;
+  for (int k = 0; k <= 4; ++k) listB[k] = k % 4 + 13;
+  std::vector<int> ringSides(3 * 16), ringStack(16);
+  mesher::MRGTRI(true, 16, 12, 4, View0<const int>(listA, 13), View0<const int>(listB, 5),
+                 View1<const XY>(v.data(), 16), triangles(),
+                 mesher::StripSides(View1<int>(ringSides.data(), 48)), status);
+  ASSERT_FALSE(status);
+  mesher::SWTRSP(true, 16, View1<const XY>(v.data(), 16), triangles(),
+                 mesher::StripSides(View1<int>(ringSides.data(), 48)),
+                 View1<int>(ringStack.data(), 16), status);
+  ASSERT_FALSE(status);
+  Region annulus{{outer, inner}};
+  EXPECT_TRUE(checkMesh(annulus, View1<const XY>(v.data(), 16), 16,
+                        View1<const Triangle>(triangles().data(), 16)));
+}
+
+TEST(DiagonalTest, CircumcircleRuleDecides) {
+  // A square: both diagonals are as good.
+  EXPECT_EQ(mesher::IQDGCV({0, 0}, {1, 0}, {1, 1}, {0, 1}), 0);
+  // A rhombus flat along p2-p4: the angles at p1 and p3 are wide, so the
+  // other diagonal p1-p3 is better.
+  EXPECT_EQ(mesher::IQDGCV({0, -1}, {3, 0}, {0, 1}, {-3, 0}), 1);
+  // The same rhombus named from p2: the diagonal p2-p4 is the short one.
+  EXPECT_EQ(mesher::IQDGCV({3, 0}, {0, 1}, {-3, 0}, {0, -1}), -1);
+  // One acute and one obtuse angle: the sine of their sum decides.
+  EXPECT_EQ(mesher::IQDGCV({0, 0}, {4, 0}, {5, 2}, {0, 3}), -1);
+}
+
+TEST_F(TrianglesTest, RunningOutOfRoomIsReported) {
+  polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
+  m().PolygonSize(1) = 1.0;
+  bool status = false;
+  type("\n");
+  Array1<Triangle, 20> few;
+  mesher::TRMSCP(m(), View1<Triangle>(few), numTriangles_, View1<int>(m().IntAux),
+                 View1<double>(m().RealAux), status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(TRQUCP) Max number of triangles exceeded!"), std::string::npos);
+
+  polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
+  m().PolygonSize(1) = 1.0;
+  m().Vertices = View1<XY>(vertices().data(), 20);
+  type("\n");
+  mesher::MKCPBM(m(), status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(MKCPBM) Max allowed number of vertices exceeded!"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kntr::testing
