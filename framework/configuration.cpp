@@ -601,6 +601,10 @@ Family builtInFamily(std::string_view name, int& columns, int& lines) {
     if (name == n) return Family::Vt;
   for (const char* n : {"xterm", "vt220", "dtterm", "ntterm", "xntterm", "wterm"})
     if (name == n) return Family::Xterm;
+  // the terminal emulators of today all speak the xterm sequences
+  for (const char* prefix : {"xterm-", "screen", "tmux", "rxvt", "linux", "konsole", "gnome", "vte",
+                             "alacritty", "kitty", "foot"})
+    if (name.starts_with(prefix)) return Family::Xterm;
   return Family::Unknown;
 }
 

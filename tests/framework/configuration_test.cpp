@@ -378,6 +378,13 @@ TEST_F(Configure, BuiltInXterm) {
   EXPECT_EQ(findTerminalToken("NWM")->on, " ->");
   EXPECT_EQ(findTerminalToken("NWL")->on, "\n");
   EXPECT_EQ(output(), "");
+
+  // today's emulators are of the xterm family
+  ::setenv("TERM", "xterm-256color", 1);
+  IZTERM(status);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(findTerminalToken("CSB")->on, esc("[2J") + esc("[24;1H"));
+  EXPECT_EQ(output(), "");
 }
 
 TEST_F(Configure, BuiltInHptermWithThirtySixLinesAndSizeOverrides) {
