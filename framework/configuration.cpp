@@ -7,6 +7,7 @@
 
 #include "framework/files.h"
 #include "framework/format.h"
+#include "framework/startup.h"
 #include "framework/state.h"
 #include "framework/text.h"
 #include "platform/console.h"
@@ -50,8 +51,9 @@ std::string cut(std::string_view text, int width) {
 
 // An environment variable, blank when unset.
 std::string environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value ? trim(value) : std::string();
+  std::string value;
+  GTENVV(name, value);
+  return trim(value);
 }
 
 // One line to standard output.
@@ -854,7 +856,8 @@ void CFSETP(bool& status) {
       status = true;
       return;
     }
-    const std::string own = home + "/T-cnfg/Tarvik-" + p.packageVersion + ".ini";
+    const std::string own =
+        home + (home.back() == '/' ? "" : "/") + "T-cnfg/Tarvik-" + p.packageVersion + ".ini";
     if (fileExists(own)) registerFile(own);
   }
 
