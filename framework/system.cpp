@@ -1,5 +1,6 @@
 #include "framework/system.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 
@@ -61,8 +62,9 @@ void OPSYIF(std::string_view commands, bool& status) {
   while (start <= list.size()) {
     std::size_t end = list.find(';', start);
     if (end == std::string_view::npos) end = list.size();
-    const std::string_view command = fmt::trimmed(list.substr(start, end - start));
-    if (command.find_first_not_of(' ') != std::string_view::npos) {
+    std::string_view command = fmt::trimmed(list.substr(start, end - start));
+    command.remove_prefix(std::min(command.size(), command.find_first_not_of(' ')));
+    if (!command.empty()) {
       const int error = runOne(command);
       if (error != 0) {
         std::string_view shown = command;
