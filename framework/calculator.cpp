@@ -137,8 +137,12 @@ struct Evaluation {
   bool* logicalResult = nullptr;
 };
 
-bool isLetter(unsigned char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-bool isDigit(unsigned char c) { return c >= '0' && c <= '9'; }
+bool isLetter(unsigned char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+bool isDigit(unsigned char c) {
+  return c >= '0' && c <= '9';
+}
 
 int wrapped(std::int64_t v) {
   return static_cast<int>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(v)));
@@ -194,8 +198,12 @@ int integerPower(int base, int exponent, bool& divideByZero) {
   return static_cast<int>(result);
 }
 
-bool numeric(const Level& v) { return v.type == ValueInteger || v.type == ValueReal; }
-double asReal(const Level& v) { return v.type == ValueInteger ? v.integer : v.real; }
+bool numeric(const Level& v) {
+  return v.type == ValueInteger || v.type == ValueReal;
+}
+double asReal(const Level& v) {
+  return v.type == ValueInteger ? v.integer : v.real;
+}
 
 bool sameName(const Name& name, const char* text) {
   return std::string_view(name.data()) == text;
@@ -211,7 +219,9 @@ void illegalToken(int position) {
 // ends the scan.
 int EXTOKN(std::string_view text, int& position, Token& token) {
   const int length = static_cast<int>(text.size());
-  auto at = [&](int p) { return static_cast<unsigned char>(text[static_cast<std::size_t>(p - 1)]); };
+  auto at = [&](int p) {
+    return static_cast<unsigned char>(text[static_cast<std::size_t>(p - 1)]);
+  };
   token = Token{};
   while (position <= length && (at(position) <= 32 || at(position) > 127)) ++position;
   token.first = position;
@@ -283,12 +293,24 @@ int EXTOKN(std::string_view text, int& position, Token& token) {
   } else {
     const unsigned char after = position + 1 <= length ? at(position + 1) : 0;
     switch (c) {
-      case '.': token.code = TkPoint; break;
-      case '(': token.code = TkOpen; break;
-      case ')': token.code = TkClose; break;
-      case '+': token = {.code = TkAdditive, .sub = 1}; break;
-      case '-': token = {.code = TkAdditive, .sub = 2}; break;
-      case '/': token = {.code = TkMultiplicative, .sub = 2}; break;
+      case '.':
+        token.code = TkPoint;
+        break;
+      case '(':
+        token.code = TkOpen;
+        break;
+      case ')':
+        token.code = TkClose;
+        break;
+      case '+':
+        token = {.code = TkAdditive, .sub = 1};
+        break;
+      case '-':
+        token = {.code = TkAdditive, .sub = 2};
+        break;
+      case '/':
+        token = {.code = TkMultiplicative, .sub = 2};
+        break;
       case '*':
         if (after == '*') {
           token.code = TkPower;
@@ -297,7 +319,9 @@ int EXTOKN(std::string_view text, int& position, Token& token) {
           token = {.code = TkMultiplicative, .sub = 1};
         }
         break;
-      case '=': token = {.code = TkRelational, .sub = RelEqual}; break;
+      case '=':
+        token = {.code = TkRelational, .sub = RelEqual};
+        break;
       case '>':
         if (after == '=') {
           token = {.code = TkRelational, .sub = RelGreaterEqual};
@@ -464,20 +488,20 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
         bool truth = false;
         if (l.type == ValueInteger && r.type == ValueInteger) {
           const int a = l.integer, b = r.integer;
-          truth = op == RelGreater ? a > b
-                  : op == RelLess ? a < b
-                  : op == RelEqual ? a == b
+          truth = op == RelGreater        ? a > b
+                  : op == RelLess         ? a < b
+                  : op == RelEqual        ? a == b
                   : op == RelGreaterEqual ? a >= b
-                  : op == RelLessEqual ? a <= b
-                                       : a != b;
+                  : op == RelLessEqual    ? a <= b
+                                          : a != b;
         } else {
           const double a = asReal(l), b = asReal(r);
-          truth = op == RelGreater ? a > b
-                  : op == RelLess ? a < b
-                  : op == RelEqual ? a == b
+          truth = op == RelGreater        ? a > b
+                  : op == RelLess         ? a < b
+                  : op == RelEqual        ? a == b
                   : op == RelGreaterEqual ? a >= b
-                  : op == RelLessEqual ? a <= b
-                                       : a != b;
+                  : op == RelLessEqual    ? a <= b
+                                          : a != b;
         }
         result.type = ValueLogical;
         result.logical = truth;

@@ -51,7 +51,9 @@ InputState& input() {
   return state;
 }
 
-bool significant(unsigned char c) { return c >= 32 && c <= 127; }
+bool significant(unsigned char c) {
+  return c >= 32 && c <= 127;
+}
 
 void illegalToken(int position) {
   platform::writeStandardOutput(" illegal token in position" + fmt::I(position, 12) + "\n");
@@ -63,7 +65,9 @@ void illegalToken(int position) {
 int scan(std::string_view line, int& position, bool lineStart, bool report, int& first, int& last,
          std::string& text) {
   const int length = static_cast<int>(line.size());
-  auto at = [&](int p) { return static_cast<unsigned char>(line[static_cast<std::size_t>(p - 1)]); };
+  auto at = [&](int p) {
+    return static_cast<unsigned char>(line[static_cast<std::size_t>(p - 1)]);
+  };
   text.clear();
   while (position <= length && !significant(at(position))) ++position;
   first = position;
@@ -121,12 +125,18 @@ int scan(std::string_view line, int& position, bool lineStart, bool report, int&
 // ITTOKN: the next item token of `line` from `position`.
 int ITTOKN(std::string_view line, int& position, int& first, int& last, std::string& text) {
   switch (scan(line, position, false, false, first, last, text)) {
-    case LineComma: return ItComma;
-    case LineBlank: return ItBlank;
-    case LineDoubleQuoted: return ItDoubleQuoted;
-    case LineSingleQuoted: return ItSingleQuoted;
-    case LineWord: return ItWord;
-    default: return ItEnd;
+    case LineComma:
+      return ItComma;
+    case LineBlank:
+      return ItBlank;
+    case LineDoubleQuoted:
+      return ItDoubleQuoted;
+    case LineSingleQuoted:
+      return ItSingleQuoted;
+    case LineWord:
+      return ItWord;
+    default:
+      return ItEnd;
   }
 }
 
@@ -502,9 +512,9 @@ void GTLOGV(std::span<bool> values, bool& deflt, bool& status) {
 
 int CVYESN(std::string_view word, bool& status) {
   status = false;
-  static constexpr std::array<std::string_view, 8> yes{"Y", "YE", "YES", "T",
+  static constexpr std::array<std::string_view, 8> yes{"Y",  "YE",  "YES",  "T",
                                                        "TR", "TRU", "TRUE", "1"};
-  static constexpr std::array<std::string_view, 8> no{"N", "NO", "F", "FA",
+  static constexpr std::array<std::string_view, 8> no{"N",   "NO",   "F",     "FA",
                                                       "FAL", "FALS", "FALSE", "0"};
   const std::string w = fmt::upper(word);
   for (std::string_view y : yes)
@@ -516,8 +526,12 @@ int CVYESN(std::string_view word, bool& status) {
   return 0;
 }
 
-void NOABRT() { ERRSCN("No abort possibility"); }
+void NOABRT() {
+  ERRSCN("No abort possibility");
+}
 
-const std::string& currentInputLine() { return input().line; }
+const std::string& currentInputLine() {
+  return input().line;
+}
 
 }  // namespace kntr::framework

@@ -55,13 +55,13 @@ inline constexpr int LineWord = 8;          // printable run without blank or co
 
 // What kind of answer a line was.
 struct Answer {
-  bool click = false;     // a mouse click, at clickRow and clickColumn (one-based)
+  bool click = false;  // a mouse click, at clickRow and clickColumn (one-based)
   int clickRow = 0;
   int clickColumn = 0;
-  bool abort = false;     // "$"
-  bool help = false;      // "?"
-  bool special = false;   // a "#" command was run: ask again
-  bool deflt = false;     // empty answer: take the default
+  bool abort = false;    // "$"
+  bool help = false;     // "?"
+  bool special = false;  // a "#" command was run: ask again
+  bool deflt = false;    // empty answer: take the default
 };
 
 // RDLINE: read one answer for a text menu, expecting `expected` fields.

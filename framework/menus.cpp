@@ -17,7 +17,9 @@ bool blank(std::string_view text) {
   return fmt::trimmed(text).find_first_not_of(' ') == std::string_view::npos;
 }
 
-std::string blanks(int count) { return std::string(static_cast<std::size_t>(std::max(0, count)), ' '); }
+std::string blanks(int count) {
+  return std::string(static_cast<std::size_t>(std::max(0, count)), ' ');
+}
 
 std::string cut(std::string_view text, int width) {
   text = fmt::trimmed(text);
@@ -40,7 +42,7 @@ std::string identity(std::string_view name, std::string_view version) {
 std::string headerBox(std::string_view title, int columns) {
   const ProgramState& p = program();
   const int w = columns - MenuBoxWidth;
-  const int outer = w / 3 - 1;             // the outer cells
+  const int outer = w / 3 - 1;              // the outer cells
   const int middle = w - 2 * (w / 3) + 13;  // the title's cell
   const std::string left = cut(identity(p.packageName, p.packageVersion), outer);
   const std::string right = cut(identity(p.SPNAME, p.SPVERS), outer);
@@ -49,9 +51,10 @@ std::string headerBox(std::string_view title, int columns) {
   const int leftPad = (middle - length) / 2 + 1;
   const int rightPad = middle - length - (middle - length) / 2 + 1;
   const std::string rule = "+" + std::string(static_cast<std::size_t>(columns - 3), '-') + "+";
-  return "{cst{cya" + rule + "{nwl! {yel" + left + blanks(outer + 1 - static_cast<int>(left.size())) +
-         "{cya!" + blanks(leftPad) + "{yel" + name + blanks(rightPad) + "{cya!" +
-         blanks(outer + 1 - static_cast<int>(right.size())) + "{yel" + right + "{cya !{nwl" + rule;
+  return "{cst{cya" + rule + "{nwl! {yel" + left +
+         blanks(outer + 1 - static_cast<int>(left.size())) + "{cya!" + blanks(leftPad) + "{yel" +
+         name + blanks(rightPad) + "{cya!" + blanks(outer + 1 - static_cast<int>(right.size())) +
+         "{yel" + right + "{cya !{nwl" + rule;
 }
 
 // `count` blank lines in one text; a single one as a blank.
@@ -61,7 +64,9 @@ void gap(int count) {
 }
 
 // "k." and the blanks that line up the dots behind it.
-std::string number(int k) { return fmt::I(k, digitsOf(k)) + "." + (k < 10 ? "  " : " "); }
+std::string number(int k) {
+  return fmt::I(k, digitsOf(k)) + "." + (k < 10 ? "  " : " ");
+}
 
 }  // namespace
 
@@ -207,8 +212,8 @@ void TXMENU(std::string_view title, std::span<const std::string> items, int defl
   }
 }
 
-void ASKQST(std::string_view question, std::string_view deflt, std::string_view help,
-            int expected, bool& abort, bool& status) {
+void ASKQST(std::string_view question, std::string_view deflt, std::string_view help, int expected,
+            bool& abort, bool& status) {
   status = false;
   abort = false;
   if (blank(question)) {
@@ -277,7 +282,9 @@ void confirm(const std::string& question, std::string_view deflt, std::string_vi
   }
 }
 
-std::string moduleName() { return std::string(fmt::trimmed(program().SPNAME)); }
+std::string moduleName() {
+  return std::string(fmt::trimmed(program().SPNAME));
+}
 
 }  // namespace
 
@@ -298,7 +305,9 @@ void OKEXIT(bool modified, bool& answer) {
           "NO", "", false, answer);
 }
 
-std::string logicalStateText(bool on) { return on ? "ON/off" : "on/OFF"; }
+std::string logicalStateText(bool on) {
+  return on ? "ON/off" : "on/OFF";
+}
 
 GraphicDialogues& graphicDialogues() {
   static GraphicDialogues dialogues;

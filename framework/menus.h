@@ -42,8 +42,8 @@ void TXMENU(std::string_view title, std::span<const std::string> items, int defl
 // when blank), and read one line of `expected` fields. Help and special
 // commands are handled inside; the values are fetched afterwards with the
 // GT routines. status is set only for a blank question.
-void ASKQST(std::string_view question, std::string_view deflt, std::string_view help,
-            int expected, bool& abort, bool& status);
+void ASKQST(std::string_view question, std::string_view deflt, std::string_view help, int expected,
+            bool& abort, bool& status);
 
 // PRHELP: show a help text on a clear screen and wait for RETURN.
 void PRHELP(std::string_view help);

@@ -131,21 +131,12 @@ struct LogicalCase {
 
 TEST_F(Calculator, LogicalAnswers) {
   const LogicalCase cases[] = {
-      {"1=1", true},
-      {"1<1.5", true},
-      {"2>=3", false},
-      {"2<=2", true},
-      {"1<>1", false},
-      {"true and false", false},
-      {"true or false", true},
-      {"not(1>2)", true},
-      {"not true", false},
-      {"1<2 and 2<3", true},
-      {"true=false", false},
-      {"true<>false", true},
-      {"true>false", true},   // other relations leave the left operand
-      {"false<true", false},
-      {"TRUE", true},
+      {"1=1", true},           {"1<1.5", true},       {"2>=3", false},
+      {"2<=2", true},          {"1<>1", false},       {"true and false", false},
+      {"true or false", true}, {"not(1>2)", true},    {"not true", false},
+      {"1<2 and 2<3", true},   {"true=false", false}, {"true<>false", true},
+      {"true>false", true},  // other relations leave the left operand
+      {"false<true", false},   {"TRUE", true},
   };
   for (const LogicalCase& c : cases) {
     SCOPED_TRACE(c.text);

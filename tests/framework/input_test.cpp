@@ -100,7 +100,9 @@ TEST_F(InputLine, HelpAbortAndClicks) {
 }
 
 TEST_F(InputLine, QuestionsReadPastClicks) {
-  script("\x1b[<0;12;7M" "42\n");
+  script(
+      "\x1b[<0;12;7M"
+      "42\n");
   Answer answer;
   bool status = true;
   RDPROM(1, answer, status);
@@ -187,10 +189,10 @@ TEST_F(InputLine, YesNoWords) {
     const char* text;
     int result;
   };
-  const Word words[] = {{"y", 1},   {"ye", 1},  {"YES", 1},  {"t", 1},     {"Tru", 1},
-                        {"true", 1}, {"1", 1},   {"n", 2},    {"No", 2},    {"f", 2},
-                        {"fa", 2},  {"FALS", 2}, {"false", 2}, {"0", 2},    {"yess", 0},
-                        {"yeah", 0}, {"", 0},    {"2", 0},    {"nope", 0}, {"truee", 0}};
+  const Word words[] = {{"y", 1},    {"ye", 1},   {"YES", 1},   {"t", 1},    {"Tru", 1},
+                        {"true", 1}, {"1", 1},    {"n", 2},     {"No", 2},   {"f", 2},
+                        {"fa", 2},   {"FALS", 2}, {"false", 2}, {"0", 2},    {"yess", 0},
+                        {"yeah", 0}, {"", 0},     {"2", 0},     {"nope", 0}, {"truee", 0}};
   for (const Word& w : words) {
     SCOPED_TRACE(w.text);
     script("\n");
@@ -356,7 +358,9 @@ TEST_F(SpecialCommands, MissingServicesSaySo) {
 int endCode = 0;
 bool logClosed = false;
 std::string commandRun;
-void recordEnd(int code) { endCode = code; }
+void recordEnd(int code) {
+  endCode = code;
+}
 void recordLogClose(bool& status) {
   status = false;
   logClosed = true;

@@ -16,10 +16,18 @@ namespace kntr::framework {
 namespace {
 
 // The main menu with a bounding box given and no curves yet.
-const std::array<std::string, 12> mainMenuRows{
-    "Modify bounding box", "Key-in profile",      "Digitize profile", "Manipulate profile",
-    "",                    "( Print profile )",   "( Plot profile )", "",
-    "Setup{NWM",           "File{NWM",            "",                 "EXIT"};
+const std::array<std::string, 12> mainMenuRows{"Modify bounding box",
+                                               "Key-in profile",
+                                               "Digitize profile",
+                                               "Manipulate profile",
+                                               "",
+                                               "( Print profile )",
+                                               "( Plot profile )",
+                                               "",
+                                               "Setup{NWM",
+                                               "File{NWM",
+                                               "",
+                                               "EXIT"};
 
 std::vector<std::string> goldenScreen(const std::string& name) {
   std::ifstream file(std::string(KNTR_SOURCE_DIR) + "/tests/framework/golden/" + name);
@@ -61,9 +69,13 @@ class MainMenu : public kntr::testing::DialogueTest {
   }
 };
 
-TEST_F(MainMenu, At80By24) { expectGolden(80, 24, "main_menu_80x24.txt"); }
+TEST_F(MainMenu, At80By24) {
+  expectGolden(80, 24, "main_menu_80x24.txt");
+}
 
-TEST_F(MainMenu, At132By50) { expectGolden(132, 50, "main_menu_132x50.txt"); }
+TEST_F(MainMenu, At132By50) {
+  expectGolden(132, 50, "main_menu_132x50.txt");
+}
 
 }  // namespace
 }  // namespace kntr::framework

@@ -13,7 +13,9 @@
 
 namespace {
 
-[[noreturn]] void inputEnded() { __builtin_trap(); }  // nothing here reads
+[[noreturn]] void inputEnded() {
+  __builtin_trap();
+}  // nothing here reads
 
 }  // namespace
 

@@ -24,11 +24,19 @@ using namespace kntr;
 
 struct InputEnded {};
 
-[[noreturn]] void inputEnded() { throw InputEnded{}; }
+[[noreturn]] void inputEnded() {
+  throw InputEnded{};
+}
 void keepRunning(int) {}
-int noCommand(std::string_view) { return 0; }
-void quietly(bool& status) { status = false; }
-void failing(bool& status) { status = true; }
+int noCommand(std::string_view) {
+  return 0;
+}
+void quietly(bool& status) {
+  status = false;
+}
+void failing(bool& status) {
+  status = true;
+}
 
 void prepare(int selector) {
   framework::resetProgramState();
@@ -60,8 +68,8 @@ void fetch(int kind, int count) {
     }
     case 1: {
       std::array<double, 4> values{1.0, 2.0, 3.0, 4.0};
-      framework::GTREAL(std::span<double>(values.data(), static_cast<std::size_t>(count)),
-                        deflt, status);
+      framework::GTREAL(std::span<double>(values.data(), static_cast<std::size_t>(count)), deflt,
+                        status);
       break;
     }
     case 2: {

@@ -51,9 +51,7 @@ class DialogueTest : public ConsoleTest {
   }
 
  private:
-  [[noreturn]] static void inputEnded() {
-    throw std::runtime_error("the scripted input ran out");
-  }
+  [[noreturn]] static void inputEnded() { throw std::runtime_error("the scripted input ran out"); }
 };
 
 }  // namespace kntr::testing
