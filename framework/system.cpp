@@ -6,7 +6,7 @@
 
 #include "framework/format.h"
 #include "framework/text.h"
-#include "platform/process.h"
+#include "platform/system.h"
 
 namespace kntr::framework {
 

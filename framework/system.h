@@ -25,7 +25,8 @@ void OPSYIF(std::string_view commands, bool& status);
 // targets put stand-ins here. endProcess is expected not to return; if a
 // stand-in does, the caller carries on as if the command had finished.
 struct SystemHooks {
-  int (*runCommand)(std::string_view command) = nullptr;  // 0, or an error number
+  // 0 when the command ran well, its exit code, or -1 when it could not run.
+  int (*runCommand)(std::string_view command) = nullptr;
   void (*endProcess)(int code) = nullptr;
 };
 SystemHooks& systemHooks();
