@@ -251,29 +251,34 @@ void ASKQST(std::string_view question, std::string_view deflt, std::string_view 
 
 namespace {
 
-// The common pattern of the confirmations: preset no, ask, fetch one
-// logical value, ask again on a conversion failure. Abort means no.
-void confirm(const std::string& question, std::string_view deflt, std::string_view help,
-             bool graphic, bool& answer) {
-  answer = false;
+std::string moduleName() {
+  return std::string(fmt::trimmed(program().SPNAME));
+}
+
+}  // namespace
+
+void askYesNo(std::string_view question, bool deflt, std::string_view defaultText,
+            std::string_view help, bool graphic, bool& answer, bool& cancelled) {
+  cancelled = false;
   for (;;) {
     bool abort = false;
     bool status = false;
     if (graphic && graphicDialogues().GQUEST) {
       bool picked = false;
-      graphicDialogues().GQUEST(question, deflt, help, 1, picked, abort, status);
+      graphicDialogues().GQUEST(question, defaultText, help, 1, picked, abort, status);
       if (picked) {
         ERRSCN("Only keyboard input is allowed!");
         continue;
       }
     } else {
-      ASKQST(question, deflt, help, 1, abort, status);
+      ASKQST(question, defaultText, help, 1, abort, status);
     }
     if (abort || status) {
       answer = false;
+      cancelled = abort;
       return;
     }
-    std::array<bool, 1> value{false};
+    std::array<bool, 1> value{deflt};
     bool none = false;
     GTLOGV(value, none, status);
     if (status) continue;
@@ -282,8 +287,13 @@ void confirm(const std::string& question, std::string_view deflt, std::string_vi
   }
 }
 
-std::string moduleName() {
-  return std::string(fmt::trimmed(program().SPNAME));
+namespace {
+
+// The confirmations: preset no; abort means no.
+void confirm(const std::string& question, std::string_view deflt, std::string_view help,
+             bool graphic, bool& answer) {
+  bool cancelled = false;
+  askYesNo(question, false, deflt, help, graphic, answer, cancelled);
 }
 
 }  // namespace

@@ -55,6 +55,13 @@ void OKRSET(bool& answer);
 // OKEXIT: the exit confirmation; the question depends on `modified`.
 void OKEXIT(bool modified, bool& answer);
 
+// A yes/no question: `answer` is preset to `deflt` (shown as `defaultText`),
+// asked again on a word that is not yes or no. `cancelled` is set by "$"
+// (the answer is then false). `graphic` asks in the graphics window, where
+// only keyboard input counts.
+void askYesNo(std::string_view question, bool deflt, std::string_view defaultText,
+            std::string_view help, bool graphic, bool& answer, bool& cancelled);
+
 // Ticks the backup clock after an answer, running the module's backup when
 // the counter has reached the interval.
 void tickBackupClock();
