@@ -30,7 +30,9 @@ constexpr int MaxHalvings = 20;
 const Triple planeOrigin{};
 const Triple planeNormal{{1.0, 0.0, 0.0}};
 
-Triple atXY(double x, double y) { return Triple{{x, y, 0.0}}; }
+Triple atXY(double x, double y) {
+  return Triple{{x, y, 0.0}};
+}
 
 double distance(const Triple& a, const Triple& b) {
   const double dx = b(1) - a(1), dy = b(2) - a(2), dz = b(3) - a(3);
@@ -195,8 +197,9 @@ void IQPCSG(double x, double y, int& curve, int& segment, double& px, double& py
   const int next = segment < n ? segment + 1 : 1;
   Bezier polygon, left, right;
   bool flat = false, splitFailed = false;
-  spline::HCBEZ3(solved.points(segment), solved.points(next), spline::trailing(solved.tangents(segment)),
-                 spline::leading(solved.tangents(next)), tolerance, polygon, flat, splitFailed);
+  spline::HCBEZ3(solved.points(segment), solved.points(next),
+                 spline::trailing(solved.tangents(segment)), spline::leading(solved.tangents(next)),
+                 tolerance, polygon, flat, splitFailed);
   if (splitFailed) {
     verdict = PickNothingNear;
     return;

@@ -36,7 +36,8 @@ void loadCurveRecord(int curve, spline::SplineRecord& rec, CurveBox& box) {
     const auto& direction = p.PRTANV(curve, j);  // leading x, y, trailing x, y
     const auto& length = p.PRTANL(curve, j);     // leading, trailing
     spline::Sextuple& t = rec.TANVEC(j);
-    const bool leadingSide = type == LeadingTangent || type == BothTangents || type == EqualTangents;
+    const bool leadingSide =
+        type == LeadingTangent || type == BothTangents || type == EqualTangents;
     const bool trailingSide = type == TrailingTangent || type == BothTangents;
     if (leadingSide) {
       t(1) = direction(1) * length(1);

@@ -61,8 +61,7 @@ void fairCurvePoint(int curve, int point, const FairSettings& settings, FairOutc
 
   const spline::Triple origin{};
   const spline::Triple normal{{1.0, 0.0, 0.0}};
-  const double threshold =
-      1e-6 * std::max(p.PRBBOX(2) - p.PRBBOX(1), p.PRBBOX(4) - p.PRBBOX(3));
+  const double threshold = 1e-6 * std::max(p.PRBBOX(2) - p.PRBBOX(1), p.PRBBOX(4) - p.PRBBOX(3));
 
   // The direction: given, or from the solved tangent at the point.
   bool directional = settings.mode != FairMode::Free;
@@ -92,8 +91,8 @@ void fairCurvePoint(int curve, int point, const FairSettings& settings, FairOutc
   int iterations = 0;
   spline::HCFOP3(point, settings.maxIterations, settings.local, settings.restraint, threshold,
                  directional, spline::Triple{{direction.x, direction.y, 0.0}}, false, origin,
-                 normal, threshold, rec, iterations, faired,
-                 View1<double>(outcome.energies), failed);
+                 normal, threshold, rec, iterations, faired, View1<double>(outcome.energies),
+                 failed);
   outcome.iterations = iterations;
   outcome.energyCount = std::min(iterations, MaxFairingEnergies);
   if (failed) return;

@@ -25,18 +25,18 @@ inline constexpr int MaxFairingEnergies = 1000;
 
 struct FairSettings {
   FairMode mode = FairMode::Free;
-  XY direction{};          // the direction of FairMode::GivenVector
-  bool local = true;       // energy of the two segments at the point (else the whole curve)
-  double restraint = -1.0; // largest step, or -1.0 for none
-  int maxIterations = 1;   // most iterations
+  XY direction{};           // the direction of FairMode::GivenVector
+  bool local = true;        // energy of the two segments at the point (else the whole curve)
+  double restraint = -1.0;  // largest step, or -1.0 for none
+  int maxIterations = 1;    // most iterations
 };
 
 struct FairOutcome {
-  int iterations = 0;       // iterations used
-  XY start{};               // the point before
-  XY faired{};              // the faired position
-  XY direction{};           // the direction used (0, 0 for free fairing)
-  int energyCount = 0;      // energies kept: min(iterations, MaxFairingEnergies)
+  int iterations = 0;   // iterations used
+  XY start{};           // the point before
+  XY faired{};          // the faired position
+  XY direction{};       // the direction used (0, 0 for free fairing)
+  int energyCount = 0;  // energies kept: min(iterations, MaxFairingEnergies)
   Array1<double, MaxFairingEnergies> energies{};  // energy at the start of each iteration
 };
 

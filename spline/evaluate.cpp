@@ -24,12 +24,14 @@ double distance(const Triple& a, const Triple& b) {
   return std::sqrt(dx * dx + dy * dy + dz * dz);
 }
 
-bool hasLength(const Triple& v) { return v(1) != 0.0 || v(2) != 0.0 || v(3) != 0.0; }
+bool hasLength(const Triple& v) {
+  return v(1) != 0.0 || v(2) != 0.0 || v(3) != 0.0;
+}
 
 // The Bezier polygon of segment i of a solved curve: from point i to the
 // next one (point 1 after the last on a closed curve).
-void segmentPolygon(const HermiteCurve& curve, int i, double tolerance, Bezier& polygon,
-                    bool& flat, bool& failed) {
+void segmentPolygon(const HermiteCurve& curve, int i, double tolerance, Bezier& polygon, bool& flat,
+                    bool& failed) {
   const int next = i < curve.m ? i + 1 : 1;
   HCBEZ3(curve.points(i), curve.points(next), trailing(curve.tangents(i)),
          leading(curve.tangents(next)), tolerance, polygon, flat, failed);
@@ -188,7 +190,8 @@ void HCPIP3(int limit, int pointsPerSegment, const Triple& planePoint, const Tri
   const bool firstOnly = curve.firstOnPlane && !curve.lastOnPlane;
   const int step = pointsPerSegment - 1;
   for (int i = 1; i <= std::min(n, pointIndex.size()); ++i)
-    pointIndex(i) = returnSide == SideBoth && firstOnly ? step * (i + n - 2) + 1 : (i - 1) * step + 1;
+    pointIndex(i) =
+        returnSide == SideBoth && firstOnly ? step * (i + n - 2) + 1 : (i - 1) * step + 1;
 }
 
 void HCAIP3(int limit, double accuracy, const Triple& planePoint, const Triple& planeNormal,
@@ -254,7 +257,8 @@ void HCAIP3(int limit, double accuracy, const Triple& planePoint, const Triple& 
   const int indexed = std::min(n, pointIndex.size());
   pointIndex(1) = 1;
   for (int i = 1; i <= m - 1; ++i) {
-    if (!append(i, i == 1 ? 1 : 2, 0, "(HCAIP3) Max allowed number of interpolation points exceeded!"))
+    if (!append(i, i == 1 ? 1 : 2, 0,
+                "(HCAIP3) Max allowed number of interpolation points exceeded!"))
       return;
     const int point = mirroredFirst ? i - n + 2 : i + 1;
     if (point >= 1 && point <= indexed) pointIndex(point) = count;

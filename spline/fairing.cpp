@@ -56,8 +56,8 @@ double energy(int k, double v) {
   auto coordinate = [&](int j) { return j == s.FAIRPT ? v : c.points(j)(k); };
   double e = 0.0;
   for (int i = 1; i <= m - 1; ++i)
-    e += segmentEnergy(coordinate(i), coordinate(i + 1), c.tangents(i)(3 + k),
-                       c.tangents(i + 1)(k));
+    e +=
+        segmentEnergy(coordinate(i), coordinate(i + 1), c.tangents(i)(3 + k), c.tangents(i + 1)(k));
   if (s.CLOSFL && m >= 2)
     e += segmentEnergy(coordinate(m), coordinate(1), c.tangents(m)(3 + k), c.tangents(1)(k));
   return e;
@@ -101,9 +101,15 @@ FairingState& fairingState() {
   return state;
 }
 
-double FPOTX(double value) { return energy(1, value); }
-double FPOTY(double value) { return energy(2, value); }
-double FPOTZ(double value) { return energy(3, value); }
+double FPOTX(double value) {
+  return energy(1, value);
+}
+double FPOTY(double value) {
+  return energy(2, value);
+}
+double FPOTZ(double value) {
+  return energy(3, value);
+}
 
 double FPOTD(double s) {
   const FairingState& f = fairingState();
@@ -179,7 +185,8 @@ void HCFOP3(int pointIndex, int maxIterations, bool local, double restraint, dou
     state.CLOSFL = state.solved.closed;
     loadNeighbourhood(state);
     if (iteration <= energies.size())
-      energies(iteration) = FPOTX(state.CURRPT(1)) + FPOTY(state.CURRPT(2)) + FPOTZ(state.CURRPT(3));
+      energies(iteration) =
+          FPOTX(state.CURRPT(1)) + FPOTY(state.CURRPT(2)) + FPOTZ(state.CURRPT(3));
 
     // The position of least energy with the tangents frozen.
     Triple target;
@@ -212,8 +219,8 @@ void HCFOP3(int pointIndex, int maxIterations, bool local, double restraint, dou
   }
 }
 
-void FUNMIN(ScalarFunction function, double lower, double upper, double tolerance,
-            double& minimum, bool& failed) {
+void FUNMIN(ScalarFunction function, double lower, double upper, double tolerance, double& minimum,
+            bool& failed) {
   failed = false;
   if (lower > upper) {
     fail(failed, "(FUNMIN) Max search limit must be larger than min!");
@@ -306,8 +313,8 @@ void FMNBRK(ScalarFunction function, double& a, double& b, double& c, double& fa
   }
 }
 
-void FMNBRN(ScalarFunction function, double a, double b, double c, double tolerance,
-            double& xmin, double& fmin, bool& failed) {
+void FMNBRN(ScalarFunction function, double a, double b, double c, double tolerance, double& xmin,
+            double& fmin, bool& failed) {
   failed = false;
   constexpr double GoldenStep = 0.381966;
   constexpr double Absolute = 1e-10;

@@ -75,8 +75,8 @@ double FPOTD(double s);
 
 // FUNMIN: the minimum of `function` on [lower, upper] to a relative
 // tolerance, clipped to the limits. Equal limits give 0.0.
-void FUNMIN(ScalarFunction function, double lower, double upper, double tolerance,
-            double& minimum, bool& failed);
+void FUNMIN(ScalarFunction function, double lower, double upper, double tolerance, double& minimum,
+            bool& failed);
 
 // FMNBRK: from a and b, walk downhill until a < b < c (or the reverse)
 // brackets a minimum; returns the triple and its values.
@@ -85,7 +85,7 @@ void FMNBRK(ScalarFunction function, double& a, double& b, double& c, double& fa
 
 // FMNBRN: Brent's method on the bracket (a, b, c) with b the start; the
 // abscissa to tolerance |x| + 1e-10. At most 1000 iterations.
-void FMNBRN(ScalarFunction function, double a, double b, double c, double tolerance,
-            double& xmin, double& fmin, bool& failed);
+void FMNBRN(ScalarFunction function, double a, double b, double c, double tolerance, double& xmin,
+            double& fmin, bool& failed);
 
 }  // namespace kntr::spline

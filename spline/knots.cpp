@@ -19,7 +19,9 @@ double distance(const Triple& a, const Triple& b) {
 }
 
 // x / (x + y), taken as 0 where both are 0 (coinciding points).
-double share(double x, double y) { return x + y == 0.0 ? 0.0 : x / (x + y); }
+double share(double x, double y) {
+  return x + y == 0.0 ? 0.0 : x / (x + y);
+}
 
 // Heap sort of the index vector 1..n by `less(i, j)` on original indices.
 // Ties are broken by the index itself, so equal keys keep their order.
@@ -176,10 +178,14 @@ void IQNPLS(const Triple& p, const Triple& a, const Triple& b, Triple& nearest, 
     nearest = a;
     return;
   }
-  double t = apab / ab2;
-  if (t < 0.0) t = 0.0;
-  if (t > 1.0) t = 1.0;
-  for (int k = 1; k <= 3; ++k) nearest(k) = a(k) + t * (b(k) - a(k));
+  const double t = apab / ab2;
+  if (t <= 0.0) {
+    nearest = a;
+  } else if (t >= 1.0) {
+    nearest = b;
+  } else {
+    for (int k = 1; k <= 3; ++k) nearest(k) = a(k) + t * (b(k) - a(k));
+  }
 }
 
 bool BOXOVL(double xmin1, double xmax1, double ymin1, double ymax1, double xmin2, double xmax2,

@@ -53,14 +53,14 @@ inline constexpr int ParamFoley = 5;
 // its first D numbers and the trailing vector in the last D.
 template <int D>
 struct BasicSplineRecord {
-  int NOFFS = 0;                                  // number n of offset points
-  Array1<Vec<D>, MaxOffsetPoints> OFFPNT{};       // offset points
-  Array1<double, MaxOffsetPoints> INCKNT{};       // INCKNT(i): parameter length of segment i
-  Array1<int, MaxOffsetPoints> PNTTYP{};          // point type
-  Array1<double, MaxOffsetPoints> KNKWGT{};       // knuckle weight (type 1)
-  Array1<Vec<2 * D>, MaxOffsetPoints> TANVEC{};   // leading, then trailing tangent
-  Array1<Vec<2>, MaxOffsetPoints> TANLEN{};       // leading and trailing tangent length
-  bool CLOSED = false;                            // the curve is closed
+  int NOFFS = 0;                                 // number n of offset points
+  Array1<Vec<D>, MaxOffsetPoints> OFFPNT{};      // offset points
+  Array1<double, MaxOffsetPoints> INCKNT{};      // INCKNT(i): parameter length of segment i
+  Array1<int, MaxOffsetPoints> PNTTYP{};         // point type
+  Array1<double, MaxOffsetPoints> KNKWGT{};      // knuckle weight (type 1)
+  Array1<Vec<2 * D>, MaxOffsetPoints> TANVEC{};  // leading, then trailing tangent
+  Array1<Vec<2>, MaxOffsetPoints> TANLEN{};      // leading and trailing tangent length
+  bool CLOSED = false;                           // the curve is closed
 };
 
 // The record of the three-coordinate routines (names ending in 3).
@@ -73,18 +73,22 @@ using SplineRecord2 = BasicSplineRecord<2>;
 // segment parameter; HCMTN3 gives derivatives by the knot parameter, with
 // the knots of the (possibly mirrored) curve.
 struct HermiteCurve {
-  int m = 0;                               // number of points
-  Array1<Triple, MaxRows> points{};        // points of the solved curve
-  Array1<double, MaxRows> knots{};         // incremental knots (the last only if closed)
-  Array1<int, MaxRows> types{};            // point types as solved
-  Array1<Sextuple, MaxRows> tangents{};    // leading x, y, z, trailing x, y, z
-  bool closed = false;                     // the solved curve is closed
-  bool firstOnPlane = false;               // the first given point lies on the symmetry plane
-  bool lastOnPlane = false;                // the last given point lies on the symmetry plane
+  int m = 0;                             // number of points
+  Array1<Triple, MaxRows> points{};      // points of the solved curve
+  Array1<double, MaxRows> knots{};       // incremental knots (the last only if closed)
+  Array1<int, MaxRows> types{};          // point types as solved
+  Array1<Sextuple, MaxRows> tangents{};  // leading x, y, z, trailing x, y, z
+  bool closed = false;                   // the solved curve is closed
+  bool firstOnPlane = false;             // the first given point lies on the symmetry plane
+  bool lastOnPlane = false;              // the last given point lies on the symmetry plane
 };
 
 // The leading and the trailing part of a tangent entry.
-inline Triple leading(const Sextuple& t) { return Triple{{t(1), t(2), t(3)}}; }
-inline Triple trailing(const Sextuple& t) { return Triple{{t(4), t(5), t(6)}}; }
+inline Triple leading(const Sextuple& t) {
+  return Triple{{t(1), t(2), t(3)}};
+}
+inline Triple trailing(const Sextuple& t) {
+  return Triple{{t(4), t(5), t(6)}};
+}
 
 }  // namespace kntr::spline

@@ -117,8 +117,8 @@ void interiorRows(int n, View1<const Vec<D>> p, View1<const double> h, Bands& m,
     m.b(i) = 2.0 * (h0 + h1);
     m.c(i) = h0;
     for (int k = 1; k <= D; ++k)
-      r(i, k) = 3.0 * (h0 * h0 * (p(i + 1)(k) - p(i)(k)) + h1 * h1 * (p(i)(k) - p(i - 1)(k))) /
-                (h0 * h1);
+      r(i, k) =
+          3.0 * (h0 * h0 * (p(i + 1)(k) - p(i)(k)) + h1 * h1 * (p(i)(k) - p(i - 1)(k))) / (h0 * h1);
   }
 }
 
@@ -229,8 +229,8 @@ void buildPeriodic(int rowLimit, int n, View1<const Vec<D>> p, View1<const doubl
     m.b(i) = 2.0 * (h0 + h1);
     m.c(i) = h0;
     for (int k = 1; k <= D; ++k)
-      r(i, k) = 3.0 * (h0 * h0 * (next(k) - p(i)(k)) + h1 * h1 * (p(i)(k) - p(i - 1)(k))) /
-                (h0 * h1);
+      r(i, k) =
+          3.0 * (h0 * h0 * (next(k) - p(i)(k)) + h1 * h1 * (p(i)(k) - p(i - 1)(k))) / (h0 * h1);
   }
   // Row n: the repeated point has the tangent of the first, m(n) = m(1).
   m.a(n) = 0.0;
@@ -849,8 +849,7 @@ void HCTAN3(int limit, const Triple& planePoint, const Triple& planeNormal, int 
                         : rec.TANVEC(i);
     }
     solveThree(limit, planePoint, planeNormal, returnSide, tolerance,
-               Given<3>{rec, typeView, View1<const Sextuple>(tangents.data(), n)}, result,
-               failed);
+               Given<3>{rec, typeView, View1<const Sextuple>(tangents.data(), n)}, result, failed);
     if (failed) return;
   }
 
@@ -990,8 +989,8 @@ void MKCCSL(int segmentLimit, int pointLimit, int n, View1<const int> types,
   }
 }
 
-void IQDLCK(int n, View1<const int> types, View1<const double> weights, bool closed,
-            bool& deadlock, bool& failed) {
+void IQDLCK(int n, View1<const int> types, View1<const double> weights, bool closed, bool& deadlock,
+            bool& failed) {
   failed = false;
   deadlock = false;
   if (!closed) return;
@@ -1002,8 +1001,7 @@ void IQDLCK(int n, View1<const int> types, View1<const double> weights, bool clo
   for (int i = 1; i <= n && sheer == 0; ++i)
     if (effective(i) == TypeLeadingSheer || effective(i) == TypeTrailingSheer) sheer = i;
   if (sheer == 0) return;
-  const int other =
-      effective(sheer) == TypeLeadingSheer ? TypeTrailingSheer : TypeLeadingSheer;
+  const int other = effective(sheer) == TypeLeadingSheer ? TypeTrailingSheer : TypeLeadingSheer;
   for (int i = 1; i <= n; ++i) {
     if (i == sheer) continue;
     const int t = effective(i);

@@ -74,11 +74,11 @@ using Corner = Array1<double, 3>;
 // after the other in `list`; a closed curve may repeat a point at both ends
 // of a segment.
 struct CCSegments {
-  int count = 0;                                             // number of segments
-  Array1<int, MaxInternalCCSegments> points{};               // point count of segment k
-  Array1<int, MaxInternalCCSegments> first{};                // where its list starts in `list`
-  Array1<int, MaxRows + MaxInternalCCSegments + 1> list{};   // point indices
-  Array1<int, MaxInternalCCSegments> order{};                // solving order
+  int count = 0;                                            // number of segments
+  Array1<int, MaxInternalCCSegments> points{};              // point count of segment k
+  Array1<int, MaxInternalCCSegments> first{};               // where its list starts in `list`
+  Array1<int, MaxRows + MaxInternalCCSegments + 1> list{};  // point indices
+  Array1<int, MaxInternalCCSegments> order{};               // solving order
   // Point j (1-based) of segment k.
   int point(int k, int j) const { return list(first(k) + j - 1); }
 };
@@ -116,8 +116,8 @@ void MKCCSL(int segmentLimit, int pointLimit, int n, View1<const int> types,
 // IQDLCK: does a closed curve lock? It does when its sheers are all of one
 // kind and nothing else ends a CC segment (a knuckle of weight other than 1
 // counts as continuous).
-void IQDLCK(int n, View1<const int> types, View1<const double> weights, bool closed,
-            bool& deadlock, bool& failed);
+void IQDLCK(int n, View1<const int> types, View1<const double> weights, bool closed, bool& deadlock,
+            bool& failed);
 
 // HCLEQ3: solve the tangents (knot derivatives) of one CC segment.
 //   in:  spline type, count of rows, points, knots, start and end tangent
