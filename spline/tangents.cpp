@@ -28,7 +28,6 @@ template <int D>
 struct Family;
 template <>
 struct Family<3> {
-  static constexpr const char* tan = "HCTAN3";
   static constexpr const char* mtn = "HCMTN3";
   static constexpr const char* leq = "HCLEQ3";
   static constexpr const char* free = "MKSM13";
@@ -39,7 +38,6 @@ struct Family<3> {
 };
 template <>
 struct Family<2> {
-  static constexpr const char* tan = "HCTAN2";
   static constexpr const char* mtn = "HCMTN2";
   static constexpr const char* leq = "HCLEQ2";
   static constexpr const char* free = "MKSM12";
