@@ -255,7 +255,7 @@ void HCAIP3(int limit, double accuracy, const Triple& planePoint, const Triple& 
   const bool firstOnly = curve.firstOnPlane && !curve.lastOnPlane;
   const bool mirroredFirst = firstOnly && returnSide == SideBoth;
   const int indexed = std::min(n, pointIndex.size());
-  pointIndex(1) = 1;
+  if (indexed >= 1) pointIndex(1) = 1;
   for (int i = 1; i <= m - 1; ++i) {
     if (!append(i, i == 1 ? 1 : 2, 0,
                 "(HCAIP3) Max allowed number of interpolation points exceeded!"))
