@@ -1,13 +1,13 @@
 #include "framework/files.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 #include "framework/text.h"
+#include "platform/system.h"
 
 namespace kntr::framework {
 
@@ -59,13 +59,14 @@ bool unitConnected(int unit) {
 }
 
 bool fileExists(std::string_view name) {
-  struct stat info{};
-  return !name.empty() && ::stat(std::string(name).c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
+  std::error_code error;
+  return !name.empty() && std::filesystem::exists(std::filesystem::path(name), error) &&
+         !std::filesystem::is_directory(std::filesystem::path(name), error);
 }
 
 bool directoryExists(std::string_view name) {
-  struct stat info{};
-  return !name.empty() && ::stat(std::string(name).c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+  std::error_code error;
+  return !name.empty() && std::filesystem::is_directory(std::filesystem::path(name), error);
 }
 
 // --- TextReader --------------------------------------------------------------
@@ -120,7 +121,7 @@ int AtomicWriter::open(int unit, std::string_view name) {
   abandon();
   name_ = std::string(name);
   if (name_.empty() || directoryExists(name_)) return IoOpenFailed;
-  temporary_ = name_ + ".part" + std::to_string(::getpid());
+  temporary_ = name_ + ".part" + std::to_string(platform::processNumber());
   file_ = std::fopen(temporary_.c_str(), "w");
   if (!file_) {
     temporary_.clear();
@@ -157,7 +158,7 @@ int AtomicWriter::commit() {
   if (!file_) return 914;
   int status = status_;
   if (std::fflush(file_) != 0 && status == 0) status = statusOfErrno(errno);
-  if (status == 0 && ::fsync(::fileno(file_)) != 0 && errno != EINVAL) status = statusOfErrno(errno);
+  if (status == 0 && !platform::syncFile(file_) && errno != EINVAL) status = statusOfErrno(errno);
   if (std::fclose(file_) != 0 && status == 0) status = statusOfErrno(errno);
   file_ = nullptr;
   connect(unit_, false);

@@ -12,7 +12,11 @@ const char* const monthNames[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
 
 bool localNow(std::tm& now) {
   const std::time_t t = std::time(nullptr);
-  return t != static_cast<std::time_t>(-1) && ::localtime_r(&t, &now) != nullptr;
+  if (t == static_cast<std::time_t>(-1)) return false;
+  const std::tm* local = std::localtime(&t);
+  if (!local) return false;
+  now = *local;
+  return true;
 }
 }  // namespace
 
