@@ -239,6 +239,39 @@ TEST_F(Evaluation, AdaptiveCurveFollowsTheSplineAndMarksItsPoints) {
   }
 }
 
+TEST_F(Evaluation, BothHalvesOfAMirroredCurveIndexTheGivenPoints) {
+  // First point on the plane x = 0: the mirrored half comes first.
+  // Last point on it: the given half comes first.
+  for (bool firstOnPlane : {true, false}) {
+    std::vector<Triple> points = {P(0, 1), P(1, 2), P(2.5, 2.2), P(4, 1)};
+    if (!firstOnPlane)
+      for (Triple& q : points) q(1) -= 4.0;
+    auto rec = makeRecord(points);
+    bool failed = true;
+    MKIKV3(ParamChordLength, *rec, failed);
+    std::vector<Triple> out(1000);
+    std::vector<int> index(4);
+    auto onCurve = std::make_unique<bool[]>(1000);
+    int count = 0;
+    HCAIP3(1000, 1e-4, Origin, XNormal, SideBoth, 1e-9, *rec, count,
+           View1<Triple>(out.data(), 1000), View1<int>(index.data(), 4),
+           View1<bool>(onCurve.get(), 1000), failed);
+    ASSERT_FALSE(failed);
+    for (int i = 1; i <= 4; ++i)
+      EXPECT_EQ(out[static_cast<std::size_t>(index[static_cast<std::size_t>(i - 1)] - 1)],
+                rec->OFFPNT(i))
+          << (firstOnPlane ? "first" : "last") << " on the plane, point " << i;
+    HCPIP3(1000, 5, Origin, XNormal, SideBoth, 1e-9, *rec, count, View1<Triple>(out.data(), 1000),
+           View1<int>(index.data(), 4), failed);
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(count, 25);
+    for (int i = 1; i <= 4; ++i)
+      EXPECT_LT(dist(out[static_cast<std::size_t>(index[static_cast<std::size_t>(i - 1)] - 1)],
+                     rec->OFFPNT(i)),
+                1e-14);
+  }
+}
+
 TEST_F(Evaluation, AStraightSegmentGivesOnlyItsEndPoint) {
   // Collinear points: the spline is the line itself, every segment flat.
   auto rec = makeRecord({P(0, 0), P(1, 1), P(3, 3), P(4, 4)});
