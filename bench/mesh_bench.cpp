@@ -49,7 +49,11 @@ std::vector<Curve> readProfile(const std::string& name) {
       file >> number >> type >> xy.x >> xy.y;
       curve.points.push_back(xy);
       // Extra records of the point types: skip their values.
-      const int extra = type == 1 ? 1 : type == 3 || type == 4 ? 3 : type == 5 ? 6 : type == 6 ? 4 : 0;
+      const int extra = type == 1                ? 1
+                        : type == 3 || type == 4 ? 3
+                        : type == 5              ? 6
+                        : type == 6              ? 4
+                                                 : 0;
       for (int k = 0; k < extra; ++k) {
         double skip = 0.0;
         file >> skip;
@@ -100,8 +104,8 @@ void BM_ConvexStages(benchmark::State& state) {
     bool status = false;
     mesher::SDCPET(m, mesher::DSFUNC, desired, kntr::View1<int>(m.IntAux),
                    kntr::View1<double>(m.RealAux), status);
-    mesher::TRMSCP(m, kntr::View1<mesher::Triangle>(r.triangles), made,
-                   kntr::View1<int>(m.IntAux), kntr::View1<double>(m.RealAux), status);
+    mesher::TRMSCP(m, kntr::View1<mesher::Triangle>(r.triangles), made, kntr::View1<int>(m.IntAux),
+                   kntr::View1<double>(m.RealAux), status);
     if (status) state.SkipWithError("the mesher failed");
     benchmark::DoNotOptimize(r.triangles.data());
   }

@@ -103,8 +103,8 @@ void IDSQCP(int n, View1<const double> x, View1<const double> y, int& a, int& b,
   }
 }
 
-void DSQCPG(int n, View1<const double> x, View1<const double> y, int& a, int& b,
-            double& diameter2, bool& status) {
+void DSQCPG(int n, View1<const double> x, View1<const double> y, int& a, int& b, double& diameter2,
+            bool& status) {
   status = false;
   diameter2 = 0.0;
   a = 1;

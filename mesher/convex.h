@@ -29,7 +29,7 @@ void IDSQCP(int n, View1<const double> x, View1<const double> y, int& a, int& b,
 // and its two end vertices, a < b. With fewer than 3 points diameter2 keeps
 // its start value 0 and a = b = 1.
 //   status: set when the scan loses its way; the message has been shown.
-void DSQCPG(int n, View1<const double> x, View1<const double> y, int& a, int& b,
-            double& diameter2, bool& status);
+void DSQCPG(int n, View1<const double> x, View1<const double> y, int& a, int& b, double& diameter2,
+            bool& status);
 
 }  // namespace kntr::mesher

@@ -28,7 +28,9 @@ int cycleLength(const MeshData& m, int p) {
   return count;
 }
 
-double square(double v) { return v * v; }
+double square(double v) {
+  return v * v;
+}
 
 // Squared distance from (px, py) to the segment a->b: to the nearer end when
 // the point projects beyond the segment, to the line otherwise.
@@ -54,8 +56,8 @@ double densityAt(const MeshData& m, const DensityLists& lists, double limit,
       const XY& v = m.Vertices(-entry);
       local = std::max(0.25 * (square(px - v.x) + square(py - v.y)), lists.VertexSize2(-entry));
     } else {
-      const int after = (s == lists.NumSources && lists.SourceWrap > 0) ? lists.SourceWrap
-                                                                        : entry + 1;
+      const int after =
+          (s == lists.NumSources && lists.SourceWrap > 0) ? lists.SourceWrap : entry + 1;
       const XY& a = m.Vertices(lists.EdgeVertex(entry));
       const XY& b = m.Vertices(lists.EdgeVertex(after));
       local = std::max(0.25 * segmentDistance2(px, py, a, b), lists.EdgeSize2(entry));
@@ -137,7 +139,9 @@ double polygonArea(const MeshData& m, int p, View1<double> x, View1<double> y) {
 
 }  // namespace
 
-double DSFUNC(double, double) { return 1.0; }
+double DSFUNC(double, double) {
+  return 1.0;
+}
 
 void SDCPET(MeshData& m, DensityFunction density, int desiredCount, View1<int> intAux,
             View1<double> realAux, bool& status) {
@@ -148,8 +152,7 @@ void SDCPET(MeshData& m, DensityFunction density, int desiredCount, View1<int> i
     fail("(SDCPET) Attempt to overflow integer auxiliary vector!", status);
     return;
   }
-  const int realNeed =
-      m.UseDensityFunction ? 0 : m.NumHalfEdges + numPolygons + m.NumVertices;
+  const int realNeed = m.UseDensityFunction ? 0 : m.NumHalfEdges + numPolygons + m.NumVertices;
   if (realNeed > realAux.size()) {
     fail("(SDCPET) Attempt to overflow double precision auxiliary vector!", status);
     return;
@@ -278,8 +281,8 @@ void IQDNST(const MeshData& m, const DensityLists& lists, double limit, DensityF
     const double sy[3] = {major * yi + minor * yj, minor * yi + major * yj, minor * (yi + yj)};
     double d1 = 0.0, d2 = 0.0;
     for (int s = 0; s < 3; ++s) {
-      const double d = densityAt(m, lists, limit, density, sx[s] + points.centre.x,
-                                 sy[s] + points.centre.y);
+      const double d =
+          densityAt(m, lists, limit, density, sx[s] + points.centre.x, sy[s] + points.centre.y);
       d1 += d / 3.0;
       d2 += d * d / 3.0;
     }
@@ -541,9 +544,7 @@ void SLSPPR(const MeshData& m, const SeparatorPoints& points, const int (&candid
             const int (&candidatesB)[2], int& a, int& b) {
   a = -1;
   b = -1;
-  auto corner = [&](int c) {
-    return points.label(c) > 0 ? m.CornerAngle(points.label(c)) : Pi;
-  };
+  auto corner = [&](int c) { return points.label(c) > 0 ? m.CornerAngle(points.label(c)) : Pi; };
   double best = -1.0;
   for (const int ca : candidatesA) {
     for (const int cb : candidatesB) {

@@ -81,8 +81,8 @@ void SMLPT2(int numTriangles, View1<const Triangle> triangles, double tolerance,
     IQVNBF(v, MaxVertexFaces, lists.count(count), row, status);
     if (status) return;
   }
-  SMMSH2(count, lists.vertex, lists.free, MaxVertexFaces, lists.count, lists.neighbours,
-         tolerance, moveLimit, vertices, moves, status);
+  SMMSH2(count, lists.vertex, lists.free, MaxVertexFaces, lists.count, lists.neighbours, tolerance,
+         moveLimit, vertices, moves, status);
 }
 
 void SMMSH2(int count, View1<const int> list, View1<const bool> free, int maxNeighbours,

@@ -10,8 +10,12 @@ namespace kntr::mesher {
 
 namespace {
 
-int after(int j) { return j == 3 ? 1 : j + 1; }
-int before(int j) { return j == 1 ? 3 : j - 1; }
+int after(int j) {
+  return j == 3 ? 1 : j + 1;
+}
+int before(int j) {
+  return j == 1 ? 3 : j - 1;
+}
 
 // Side of `p` relative to the directed line a->b, as IQSIDE gives it.
 int sideOf(const XY& p, const XY& a, const XY& b) {

@@ -60,8 +60,7 @@ void classify(int v) {
     const int f = t.VertexFace(v, k);
     for (int j = 1; j <= MaxFaceVertices; ++j) {
       const int e = t.FaceEdge(f, j);
-      if ((t.EdgeVertex(e, 1) == v || t.EdgeVertex(e, 2) == v) &&
-          t.EdgeClass(e) == BoundaryEdge) {
+      if ((t.EdgeVertex(e, 1) == v || t.EdgeVertex(e, 2) == v) && t.EdgeClass(e) == BoundaryEdge) {
         vertexClass = BoundaryVertex;
       }
     }

@@ -44,9 +44,8 @@ void MKCPBM(MeshData& m, bool& status) {
       const XY to = m.Vertices(he(he(e).Next).Vertex);
       const double length = std::hypot(to.x - from.x, to.y - from.y);
       const int twin = he(e).Twin;
-      const double size =
-          twin > 0 ? std::sqrt(m.PolygonSize(p) * m.PolygonSize(he(twin).Polygon))
-                   : m.PolygonSize(p);
+      const double size = twin > 0 ? std::sqrt(m.PolygonSize(p) * m.PolygonSize(he(twin).Polygon))
+                                   : m.PolygonSize(p);
       const double ratio = length / size;
       int segments = static_cast<int>(ratio);
       const double rest = ratio - segments;
@@ -129,9 +128,9 @@ void TRMSCP(MeshData& m, View1<Triangle> triangles, int& numTriangles, View1<int
     list(boundary) = list(0);
 
     m.PolygonTriangleStart(p) = numTriangles + 1;
-    TRDLCP(corners, cornerX, cornerY, m.PolygonSize(p), boundary, list, m.NumVertices,
-           m.Vertices, numTriangles, triangles, intAux.from(boundary + 2),
-           realAux.from(2 * corners + 3), status);
+    TRDLCP(corners, cornerX, cornerY, m.PolygonSize(p), boundary, list, m.NumVertices, m.Vertices,
+           numTriangles, triangles, intAux.from(boundary + 2), realAux.from(2 * corners + 3),
+           status);
     if (status) return;
   }
 }
@@ -258,8 +257,8 @@ void TRDLCP(int numCorners, View0<const double> cornerX, View0<const double> cor
   numTriangles += count;
 }
 
-bool IQOFIN(double p1x, double p1y, double p2x, double p2y, double offset1, double q1x,
-            double q1y, double q2x, double q2y, double offset2, double& x, double& y) {
+bool IQOFIN(double p1x, double p1y, double p2x, double p2y, double offset1, double q1x, double q1y,
+            double q2x, double q2y, double offset2, double& x, double& y) {
   const double a = p2y - p1y, b = p1x - p2x;
   const double c = q2y - q1y, d = q1x - q2x;
   const double det = a * d - c * b;
@@ -273,8 +272,7 @@ bool IQOFIN(double p1x, double p1y, double p2x, double p2y, double offset1, doub
 }
 
 void SHRNCP(int n, View0<const double> x, View0<const double> y, View0<const double> offsets,
-            int& m, View0<double> shrunkX, View0<double> shrunkY, View0<int> edges,
-            bool& status) {
+            int& m, View0<double> shrunkX, View0<double> shrunkY, View0<int> edges, bool& status) {
   status = false;
   m = 0;
   if (n < 3) return;

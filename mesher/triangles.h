@@ -53,13 +53,12 @@ void TRDLCP(int numCorners, View0<const double> cornerX, View0<const double> cor
 //   status: set when two edges to be intersected are parallel; the message
 //   has been shown.
 void SHRNCP(int n, View0<const double> x, View0<const double> y, View0<const double> offsets,
-            int& m, View0<double> shrunkX, View0<double> shrunkY, View0<int> edges,
-            bool& status);
+            int& m, View0<double> shrunkX, View0<double> shrunkY, View0<int> edges, bool& status);
 
 // IQOFIN: where the line p1->p2 moved left by offset1 meets the line q1->q2
 // moved left by offset2. False for parallel lines.
-bool IQOFIN(double p1x, double p1y, double p2x, double p2y, double offset1, double q1x,
-            double q1y, double q2x, double q2y, double offset2, double& x, double& y);
+bool IQOFIN(double p1x, double p1y, double p2x, double p2y, double offset1, double q1x, double q1y,
+            double q2x, double q2y, double offset2, double& x, double& y);
 
 // RTCPDM: turn the closed polygon (x, y)(0..n) so that its diameter a-b is
 // vertical, the upper end at index n (and 0); `bottom` is the lower end's

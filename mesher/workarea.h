@@ -23,7 +23,7 @@ class View0 {
   constexpr View0() = default;
   constexpr View0(T* data, int size) : data_(data), size_(size) {}
   template <class U>
-    requires std::is_same_v<const U, T>
+  requires std::is_same_v<const U, T>
   constexpr View0(const View0<U>& other) : data_(other.data()), size_(other.size()) {}
 
   constexpr T& operator()(int i) const {

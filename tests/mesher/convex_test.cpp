@@ -1,11 +1,12 @@
 // Area, width and diameter of polygons against closed forms and brute force.
+#include "mesher/convex.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
 #include <vector>
 
-#include "mesher/convex.h"
 #include "mesher/limits.h"
 #include "support/console_fixture.h"
 
@@ -51,8 +52,7 @@ TEST(PolygonArea, IndexListSelectsTheVertices) {
   // The unit square's corners scattered through a vertex array.
   const std::vector<XY> vertices = {{9, 9}, {1, 0}, {0, 0}, {7, 7}, {1, 1}, {0, 1}};
   const std::vector<int> list = {3, 2, 5, 6};
-  EXPECT_DOUBLE_EQ(IQPLAR(4, View1<const int>(list.data(), 4),
-                          View1<const XY>(vertices.data(), 6)),
+  EXPECT_DOUBLE_EQ(IQPLAR(4, View1<const int>(list.data(), 4), View1<const XY>(vertices.data(), 6)),
                    1.0);
 }
 
@@ -65,8 +65,8 @@ double bruteWidth2(const Coordinates& c) {
     const double dx = c.x[f] - c.x[e], dy = c.y[f] - c.y[e];
     double far = 0.0;
     for (int v = 0; v < n; ++v) {
-      const double h = std::fabs(dx * (c.y[v] - c.y[e]) - dy * (c.x[v] - c.x[e])) /
-                       std::hypot(dx, dy);
+      const double h =
+          std::fabs(dx * (c.y[v] - c.y[e]) - dy * (c.x[v] - c.x[e])) / std::hypot(dx, dy);
       far = std::max(far, h);
     }
     best = std::min(best, far * far);
@@ -99,8 +99,9 @@ TEST_F(ConvexScanTest, WidthAndDiameterOfKnownShapes) {
   ASSERT_FALSE(status);
   EXPECT_NEAR(value, 29.0, 1e-12);
   EXPECT_LT(a, b);
-  EXPECT_NEAR(std::pow(rect.x[b - 1] - rect.x[a - 1], 2) + std::pow(rect.y[b - 1] - rect.y[a - 1], 2),
-              29.0, 1e-12);
+  EXPECT_NEAR(
+      std::pow(rect.x[b - 1] - rect.x[a - 1], 2) + std::pow(rect.y[b - 1] - rect.y[a - 1], 2), 29.0,
+      1e-12);
   // Equilateral triangle of side 2: width is its height, diameter a side.
   Coordinates tri{{0, 2, 1}, {0, 0, std::sqrt(3.0)}};
   IDSQCP(3, tri.xs(), tri.ys(), a, b, value, status);

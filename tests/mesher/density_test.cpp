@@ -1,12 +1,13 @@
 // Density decomposition: local sizes, the density integral, splits and the
 // grading between neighbours.
+#include "mesher/density.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 
 #include "mesher/convex.h"
-#include "mesher/density.h"
 #include "support/mesh_fixture.h"
 
 namespace kntr::testing {
@@ -26,8 +27,7 @@ class DensityTest : public MeshTest {
     l.Sources = View1<int>(d.IntAux.data() + d.NumPolygons + 1 + d.NumHalfEdges, 1000);
     l.EdgeSize2 = View1<double>(d.RealAux.data(), d.NumHalfEdges);
     l.PolygonWidth2 = View1<double>(d.RealAux.data() + d.NumHalfEdges, d.NumPolygons);
-    l.VertexSize2 = View1<double>(d.RealAux.data() + d.NumHalfEdges + d.NumPolygons,
-                                  d.NumVertices);
+    l.VertexSize2 = View1<double>(d.RealAux.data() + d.NumHalfEdges + d.NumPolygons, d.NumVertices);
     bool status = false;
     mesher::MKCPGM(d, l, View1<double>(d.RealAux).from(10000), status);
     EXPECT_FALSE(status);
@@ -35,8 +35,8 @@ class DensityTest : public MeshTest {
   }
 
   void density(int desired, bool& status) {
-    mesher::SDCPET(m(), mesher::DSFUNC, desired, View1<int>(m().IntAux),
-                   View1<double>(m().RealAux), status);
+    mesher::SDCPET(m(), mesher::DSFUNC, desired, View1<int>(m().IntAux), View1<double>(m().RealAux),
+                   status);
   }
 
   double totalArea() {
@@ -253,8 +253,8 @@ TEST_F(DensityTest, DensityIntegralMatchesClosedForms) {
   points.means = mesher::View0<double>(means, 4);
   DensityLists none;
   double integral = 0.0, mean = 0.0, spread = 0.0;
-  mesher::IQDNST(m(), none, 0.0, [](double px, double) { return 1.0 + px; }, points, integral,
-                 mean, spread);
+  mesher::IQDNST(
+      m(), none, 0.0, [](double px, double) { return 1.0 + px; }, points, integral, mean, spread);
   EXPECT_NEAR(integral, 1.5, 1e-14);
   EXPECT_NEAR(mean, 1.5, 1e-14);
   EXPECT_NEAR(spread, std::sqrt(1.0 / 12.0), 1e-14);

@@ -1,4 +1,6 @@
 // Triangle quality and Laplace smoothing.
+#include "mesher/quality.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -6,7 +8,6 @@
 #include <set>
 #include <vector>
 
-#include "mesher/quality.h"
 #include "support/mesh_fixture.h"
 
 namespace kntr::testing {
@@ -38,8 +39,7 @@ TEST_F(QualityTest, QualityOfHandComputedTriangles) {
   // Equilateral 1; right isosceles 8 (s-a)(s-b)(s-c) / (abc) with sides
   // 1, 1, sqrt 2, which is 2 sqrt 2 - 2; sides 3, 4, 5 give
   // 8 * 3 * 2 * 1 / 60 = 0.8.
-  load({{0, 0}, {2, 0}, {1, r3}, {0, 1}, {3, 0}, {0, 4}},
-       {{1, 2, 3}, {1, 2, 4}, {1, 5, 6}});
+  load({{0, 0}, {2, 0}, {1, r3}, {0, 1}, {3, 0}, {0, 4}}, {{1, 2, 3}, {1, 2, 4}, {1, 5, 6}});
   // The right isosceles triangle is (0,0), (1,0)... made by scaling: use the
   // one with legs 1 along the axes.
   vertices()(2) = XY{1, 0};
@@ -55,8 +55,8 @@ TEST_F(QualityTest, QualityOfHandComputedTriangles) {
   EXPECT_NEAR(maximum, 1.0, 1e-14);
   const double m3 = (q[0] + q[1] + q[2]) / 3.0;
   EXPECT_NEAR(mean, m3, 1e-14);
-  const double sample = std::sqrt((std::pow(q[0] - m3, 2) + std::pow(q[1] - m3, 2) +
-                                   std::pow(q[2] - m3, 2)) / 2.0);
+  const double sample =
+      std::sqrt((std::pow(q[0] - m3, 2) + std::pow(q[1] - m3, 2) + std::pow(q[2] - m3, 2)) / 2.0);
   EXPECT_NEAR(deviation, sample, 1e-14);
 
   // Orientation does not matter to the quality.
@@ -127,13 +127,13 @@ TEST_F(QualityTest, SmoothedMeshKeepsItsBoundaryAndSettles) {
   const double tolerance = static_cast<double>(0.001f);
   // The move limit of the mesher stops the sweeps early on this mesh.
   int moves = 0;
-  mesher::SMLPT2(numTriangles_, View1<const Triangle>(triangles().data(), numTriangles_),
-                 tolerance, 5000, vertices(), moves, status);
+  mesher::SMLPT2(numTriangles_, View1<const Triangle>(triangles().data(), numTriangles_), tolerance,
+                 5000, vertices(), moves, status);
   ASSERT_FALSE(status) << output();
   EXPECT_EQ(moves, 5000);
   // Without a limit they go on to the end.
-  mesher::SMLPT2(numTriangles_, View1<const Triangle>(triangles().data(), numTriangles_),
-                 tolerance, 1000000, vertices(), moves, status);
+  mesher::SMLPT2(numTriangles_, View1<const Triangle>(triangles().data(), numTriangles_), tolerance,
+                 1000000, vertices(), moves, status);
   ASSERT_FALSE(status) << output();
   EXPECT_GT(moves, 0);
   EXPECT_LT(moves, 1000000);
@@ -185,7 +185,8 @@ TEST_F(QualityTest, TooManyTrianglesForTheTopology) {
   // below the first square: 10001 triangles.
   std::vector<XY> points;
   for (int j = 0; j <= 50; ++j) {
-    for (int i = 0; i <= 100; ++i) points.push_back({static_cast<double>(i), static_cast<double>(j)});
+    for (int i = 0; i <= 100; ++i)
+      points.push_back({static_cast<double>(i), static_cast<double>(j)});
   }
   points.push_back({0.5, -1.0});
   auto id = [](int i, int j) { return j * 101 + i + 1; };

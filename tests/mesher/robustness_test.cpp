@@ -78,8 +78,8 @@ class RobustnessTest : public MeshTest {
       } while (h != m().PolygonFirst(1));
       if (cycle.size() < 4) break;
       const std::size_t i = static_cast<std::size_t>(unit(rng) * static_cast<double>(cycle.size()));
-      const std::size_t j = (i + 2 + static_cast<std::size_t>(unit(rng) * (cycle.size() - 3))) %
-                            cycle.size();
+      const std::size_t j =
+          (i + 2 + static_cast<std::size_t>(unit(rng) * (cycle.size() - 3))) % cycle.size();
       bool status = false;
       mesher::INSEDG(m(), cycle[i], cycle[j], status);
     }
@@ -106,8 +106,7 @@ TEST_F(RobustnessTest, RandomConvexDecompositionsMeshOrFailCleanly) {
       ++refused;
       continue;
     }
-    EXPECT_TRUE(meshIsProper()) << "seed " << seed << " trial " << trial << " desired "
-                                << desired;
+    EXPECT_TRUE(meshIsProper()) << "seed " << seed << " trial " << trial << " desired " << desired;
     EXPECT_EQ(said, "") << "seed " << seed << " trial " << trial;
     ++meshed;
   }

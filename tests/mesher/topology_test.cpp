@@ -1,4 +1,6 @@
 // Hash values and the smoothing topology.
+#include "mesher/topology.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <vector>
 
 #include "mesher/hash.h"
-#include "mesher/topology.h"
 #include "support/console_fixture.h"
 
 namespace kntr::testing {

@@ -1,5 +1,7 @@
 // Triangle generation: edge points, the inset, rows, strips, and whole
 // convex polygons checked as meshes.
+#include "mesher/triangles.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,7 +11,6 @@
 
 #include "mesher/convex.h"
 #include "mesher/strip.h"
-#include "mesher/triangles.h"
 #include "support/mesh_fixture.h"
 
 namespace kntr::testing {
@@ -200,8 +201,8 @@ TEST_F(TrianglesTest, InsetOfKnownShapes) {
   EXPECT_EQ(sy[m], sy[0]);
   std::set<std::pair<double, double>> corners;
   for (int k = 0; k < 4; ++k) corners.insert({sx[k], sy[k]});
-  EXPECT_EQ(corners, (std::set<std::pair<double, double>>{
-                         {0.5, 0.5}, {3.5, 0.5}, {3.5, 2.5}, {0.5, 2.5}}));
+  EXPECT_EQ(corners,
+            (std::set<std::pair<double, double>>{{0.5, 0.5}, {3.5, 0.5}, {3.5, 2.5}, {0.5, 2.5}}));
 
   // An equilateral triangle of inradius 1 shrinks by 0.25 to one of inradius
   // 0.75, and by 1.25 to nothing.

@@ -66,8 +66,8 @@ class MeshTest : public ConsoleTest {
 
   // Density stage then triangles, with the whole auxiliary vectors.
   void meshAll(int desired, bool& status) {
-    mesher::SDCPET(m(), mesher::DSFUNC, desired, View1<int>(m().IntAux),
-                   View1<double>(m().RealAux), status);
+    mesher::SDCPET(m(), mesher::DSFUNC, desired, View1<int>(m().IntAux), View1<double>(m().RealAux),
+                   status);
     if (status) return;
     mesher::TRMSCP(m(), triangles(), numTriangles_, View1<int>(m().IntAux),
                    View1<double>(m().RealAux), status);
