@@ -17,6 +17,12 @@ void fail(std::string_view message, bool& status) {
   status = true;
 }
 
+// True when a count of `quotient` items fits into `room`; never for a
+// quotient that is not a number.
+bool fits(double quotient, int room) {
+  return quotient < static_cast<double>(room);
+}
+
 // The half-edges of polygon p in walking order, bounded by the structure's
 // size so that a broken cycle cannot hang the walk.
 template <class Visit>
@@ -47,6 +53,11 @@ void MKCPBM(MeshData& m, bool& status) {
       const double size = twin > 0 ? std::sqrt(m.PolygonSize(p) * m.PolygonSize(he(twin).Polygon))
                                    : m.PolygonSize(p);
       const double ratio = length / size;
+      if (!fits(ratio, m.Vertices.size() - m.NumVertices + 2)) {
+        fail("(MKCPBM) Max allowed number of vertices exceeded!", status);
+        failed = true;
+        return;
+      }
       int segments = static_cast<int>(ratio);
       const double rest = ratio - segments;
       if (rest > static_cast<double>(segments) / (2.0 * segments + 1.0)) ++segments;
@@ -170,8 +181,9 @@ void TRDLCP(int numCorners, View0<const double> cornerX, View0<const double> cor
            cyclic(View0<const double>(shrunkY), shrunk), a, b, diameter2, status);
     if (status) return;
     RTCPDM(shrunk, shrunkX, shrunkY, a, b, bottom, cos, sin);
-    const int walkRoom = 6 * (static_cast<int>((shrunkY(0) - shrunkY(bottom)) / h) + 1);
-    if (walkRoom + 1 > intRoom.size()) {
+    const double levels = (shrunkY(0) - shrunkY(bottom)) / h;
+    const int walkRoom = fits(levels, intRoom.size() / 6) ? 6 * (static_cast<int>(levels) + 1) : 0;
+    if (walkRoom == 0 || walkRoom + 1 > intRoom.size()) {
       fail(intMessage, status);
       return;
     }
@@ -395,6 +407,11 @@ void TRQUCP(int n, View0<const double> x, View0<const double> y, double h, int b
   walkLength = 0;
   const double tol = meshTolerance();
   const double height = y(0) - y(bottom);
+  const char* const vertexMessage = "(TRQUCP) Max number of vertices exceeded!";
+  if (!fits(height / h, vertices.size() - numVertices)) {
+    fail(vertexMessage, status);
+    return;
+  }
   const int rows = static_cast<int>(height / h);
   const double firstLevel = y(0) - (height - rows * h) / 2.0;
 
@@ -440,10 +457,14 @@ void TRQUCP(int n, View0<const double> x, View0<const double> y, double h, int b
     while (r - 1 > bottom && y(r - 1) > level) --r;
     const double xl = cross(l, l + 1, level);
     const double xr = cross(r, r - 1, level);
+    if (!fits((xr - xl) / h, vertices.size() - numVertices)) {
+      fail(vertexMessage, status);
+      return;
+    }
     const int columns = std::max(0, static_cast<int>((xr - xl) / h));
     const double x0 = xl + ((xr - xl) - columns * h) / 2.0;
     if (columns + numVertices + 1 > vertices.size()) {
-      fail("(TRQUCP) Max number of vertices exceeded!", status);
+      fail(vertexMessage, status);
       return;
     }
     Row current{numVertices + 1, columns + 1, x0};
