@@ -196,25 +196,6 @@ bool realText(std::string_view text, double& value) {
   return true;
 }
 
-// The yes/no question of the project dialogue; `answer` false on abort.
-void askYesNo(const std::string& question, std::string_view deflt, bool& answer) {
-  for (;;) {
-    answer = false;
-    bool abort = false, st = false;
-    ASKQST(question, deflt, "", 1, abort, st);
-    if (abort || st) {
-      answer = false;
-      return;
-    }
-    std::array<bool, 1> value{false};
-    bool deflted = false;
-    GTLOGV(value, deflted, st);
-    if (st) continue;
-    answer = value[0];
-    return;
-  }
-}
-
 // One text answer; false when the question was aborted.
 bool askText(const std::string& question, const std::string& deflt, std::string_view help,
              int maxLength, std::string& answer) {
@@ -608,8 +589,9 @@ void SLPROJ(bool& status) {
       LDPJCT(status);
       return;
     }
-    bool create = false;
-    askYesNo("OK to create new project ** {gre" + name + "{yel ** ? (yes/no)", "NO", create);
+    bool create = false, cancelled = false;
+    askYesNo("OK to create new project ** {gre" + name + "{yel ** ? (yes/no)", false, "NO", "",
+             false, create, cancelled);
     if (!create) continue;
     if (trimmedCopy(p.projectIdentification).empty())
       p.projectIdentification = p.defaultProjectIdentification;

@@ -222,27 +222,6 @@ std::string real(double value) {
 
 // --- Questions ---------------------------------------------------------------
 
-// A yes/no question: `yes` for yes, `cancelled` when it was aborted.
-void confirm(const std::string& question, std::string_view deflt, std::string_view help, bool& yes,
-             bool& cancelled) {
-  yes = false;
-  cancelled = false;
-  for (;;) {
-    bool abort = false, st = false;
-    fw::ASKQST(question, deflt, help, 1, abort, st);
-    if (abort || st) {
-      cancelled = true;
-      return;
-    }
-    std::array<bool, 1> value{false};
-    bool deflted = false;
-    fw::GTLOGV(value, deflted, st);
-    if (st) continue;
-    yes = value[0];
-    return;
-  }
-}
-
 bool interactive() {
   const int mode = fw::program().executionMode;
   return mode == fw::ModeAlone || mode == fw::ModeSystem;
@@ -282,8 +261,8 @@ void PTKNTR(std::string_view name, bool quiet, bool& status) {
   bool yes = false, cancelled = false;
 
   if (p.NPRCRV == 0 && !quiet) {
-    confirm("OK to store profile data with no curves? (yes/no)", "no",
-            "This would normally be an odd thing to do...", yes, cancelled);
+    fw::askYesNo("OK to store profile data with no curves? (yes/no)", false, "no",
+                 "This would normally be an odd thing to do...", false, yes, cancelled);
     if (!yes) return;
   }
 
@@ -298,8 +277,8 @@ void PTKNTR(std::string_view name, bool quiet, bool& status) {
   fw::program().workFileName = file;
 
   if (fw::fileExists(file) && !quiet) {
-    confirm("OK to overwrite the file \"{GRE" + file + "{YEL\"? (yes/no)", "no",
-            "This will leave the file with the latest modified data", yes, cancelled);
+    fw::askYesNo("OK to overwrite the file \"{GRE" + file + "{YEL\"? (yes/no)", false, "no",
+                 "This will leave the file with the latest modified data", false, yes, cancelled);
     if (cancelled) return;
     if (!yes) {
       status = true;

@@ -1,5 +1,8 @@
-// Test support: a console test with a private scratch directory on disk.
+// Test support: a private scratch directory on disk, and a console test that
+// owns one.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -13,20 +16,20 @@
 
 namespace kntr::testing {
 
-// A memory-console test that owns a fresh directory, removed afterwards.
-class ScratchTest : public ConsoleTest {
- protected:
-  void SetUp() override {
-    ConsoleTest::SetUp();
+// A fresh directory for the life of the object, removed with everything in it.
+class ScratchDirectory {
+ public:
+  ScratchDirectory() {
     std::string pattern = (std::filesystem::temp_directory_path() / "kntr-test-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "no scratch directory";
     directory_ = pattern;
   }
-  void TearDown() override {
+  ~ScratchDirectory() {
     std::error_code ignored;
     std::filesystem::remove_all(directory_, ignored);
-    ConsoleTest::TearDown();
   }
+  ScratchDirectory(const ScratchDirectory&) = delete;
+  ScratchDirectory& operator=(const ScratchDirectory&) = delete;
 
   // A path inside the scratch directory.
   std::string path(const std::string& name) const { return (directory_ / name).string(); }
@@ -57,5 +60,8 @@ class ScratchTest : public ConsoleTest {
  private:
   std::filesystem::path directory_;
 };
+
+// A memory-console test with its own scratch directory.
+class ScratchTest : public ConsoleTest, public ScratchDirectory {};
 
 }  // namespace kntr::testing
