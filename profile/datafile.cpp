@@ -274,8 +274,6 @@ void PTKNTR(std::string_view name, bool quiet, bool& status) {
     status = true;
     return;
   }
-  fw::program().workFileName = file;
-
   if (fw::fileExists(file) && !quiet) {
     fw::askYesNo("OK to overwrite the file \"{GRE" + file + "{YEL\"? (yes/no)", false, "no",
                  "This will leave the file with the latest modified data", false, yes, cancelled);
@@ -286,6 +284,8 @@ void PTKNTR(std::string_view name, bool quiet, bool& status) {
     }
   }
 
+  // The questions may have run the periodic backup: name the file only now.
+  fw::program().workFileName = file;
   fw::AtomicWriter out;
   int io = out.open(unit, file);
   if (io != 0) {
