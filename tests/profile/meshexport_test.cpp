@@ -1,6 +1,5 @@
 // Mesh export: the finite element and viewer files of a small known mesh
-// against files checked in, the overwrite question, failures, and the
-// export menu.
+// against files checked in, the overwrite question and failures.
 #include "profile/meshexport.h"
 
 #include <gtest/gtest.h>
