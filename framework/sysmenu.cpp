@@ -190,7 +190,7 @@ void temporaryFileInterval() {
   ProgramState& p = program();
   for (;;) {
     bool abort = false, failed = false;
-    ASKQST("Input temporary file interval? (number of inputs)", fmt::I(p.backupInterval, 4),
+    ASKQST("Input temporary file interval? (number of inputs)", std::to_string(p.backupInterval),
            "The temporary file is stored after this many inputs", 1, abort, failed);
     if (abort || failed) return;
     std::array<int, 1> value{p.backupInterval};
