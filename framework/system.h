@@ -2,8 +2,8 @@
 //
 //   OPSYIF  run a list of operating system commands separated by ";"
 //
-// (The system menu and the printer routines of this family join this header
-// as they are built.)
+// The system menu is in framework/sysmenu.h, the printers in
+// framework/printers.h.
 #pragma once
 
 #include <string_view>

@@ -104,7 +104,9 @@ struct PrinterHooks {
   int (*linesLeft)() = nullptr;
   int (*pageLength)() = nullptr;
   void (*newPage)() = nullptr;           // page head of a new page
-  void (*printText)(std::string_view) = nullptr;  // one formatted text
+  // One formatted text; like OUTSCN it ends with a line end, so a text
+  // adds CNTLIN(text) lines.
+  void (*printText)(std::string_view) = nullptr;
 };
 PrinterHooks& printerHooks();
 

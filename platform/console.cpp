@@ -166,8 +166,11 @@ int readByte() {
   return source().next();
 }
 
+void restoreTerminal();
+
 [[noreturn]] void inputEnded() {
   Console& c = con();
+  restoreTerminal();
   if (c.endOfInput) c.endOfInput();
   rawWrite("\nTerminating program due to EOF on input\n");
   std::exit(1);
@@ -363,6 +366,9 @@ void initialize() {
     }
   }
   c.initialized = true;
+  // Keys are read one by one for the whole session, so that nothing typed
+  // ahead is taken by the terminal's own line editing.
+  enterRawMode();
   querySize(c.columns, c.lines);
   cursorVisible(false);
   c.lastResult = 0;
@@ -425,7 +431,6 @@ void getChar(char& character) {
   cursorVisible(true);
   enterRawMode();
   int b = readByte();
-  restoreTerminal();
   cursorVisible(false);
   if (b == -1) inputEnded();
   character = static_cast<char>(b);
@@ -454,7 +459,6 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     if (b == -1) {
       if (!buffer.empty()) break;  // a last line without its line end
       if (echo) escape("\x1b[?1000l\x1b[?1006l");
-      restoreTerminal();
       inputEnded();
     }
     if (b == '\r' || b == '\n') {
@@ -475,7 +479,6 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     }
     if (b == 4 && c.rawMode && buffer.empty()) {  // Ctrl-D on an empty line
       escape("\x1b[?1000l\x1b[?1006l");
-      restoreTerminal();
       inputEnded();
     }
     if (b == 27) {
@@ -494,7 +497,6 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     }
   }
   if (echo) escape("\x1b[?1000l\x1b[?1006l");
-  restoreTerminal();
   cursorVisible(false);
   length = static_cast<int>(buffer.size());
 }
@@ -539,6 +541,18 @@ void getPosition(int& column, int& row) {
 }  // namespace WinConF
 
 void setEndOfInputHandler(EndOfInputHandler handler) { con().endOfInput = handler; }
+
+void lendTerminal(bool toChild) {
+  Console& c = con();
+  if (c.memory || !c.inputTerminal) return;
+  if (toChild) {
+    restoreTerminal();
+    cursorVisible(true);
+  } else {
+    enterRawMode();
+    cursorVisible(false);
+  }
+}
 
 void writeStandardOutput(std::string_view text) { rawWrite(text); }
 
