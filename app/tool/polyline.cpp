@@ -8,9 +8,6 @@
 
 namespace kntr::tool {
 
-namespace {
-}  // namespace
-
 int polylineCommand(const Arguments& arguments) {
   if (arguments.size() != 1) return usage("polyline FILE");
   if (!loadProfile(arguments[0])) return 1;
