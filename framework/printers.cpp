@@ -26,22 +26,7 @@ AtomicWriter& jobFile() {
   return file;
 }
 
-// A value shown inside a formatted text: braces doubled so they print as
-// typed.
-std::string literal(std::string_view text) {
-  std::string out;
-  for (char c : text) {
-    out.push_back(c);
-    if (c == '{') out.push_back('{');
-  }
-  return out;
-}
 
-std::string trimmedCopy(std::string_view text) {
-  text = fmt::trimmed(text);
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  return std::string(text);
-}
 
 // The last `count` characters of a text.
 std::string lastCharacters(std::string_view text, int count) {
@@ -187,7 +172,7 @@ bool knownPrinterModel(std::string_view model) {
 
 void IZPRMD(std::string_view model) {
   PrinterState& s = printerState();
-  const std::string name = trimmedCopy(model);
+  const std::string name = fmt::stripped(model);
   s.model = name;
   s.tokenCount = 0;
   s.setup.clear();
@@ -280,7 +265,7 @@ void PRPHED() {
   ++s.pageNumber;
 
   const ProgramState& p = program();
-  const std::string project = trimmedCopy(p.projectName);
+  const std::string project = fmt::stripped(p.projectName);
   if (s.pageNumber == 1) {
     GTDATE(s.date);
     GTTIME(s.time);
@@ -292,7 +277,7 @@ void PRPHED() {
     };
 
     // The title line: the heading name centred in runs of line characters.
-    const std::string heading = trimmedCopy(s.headingName);
+    const std::string heading = fmt::stripped(s.headingName);
     std::string title = rule;
     if (!heading.empty()) {
       const std::string name = " " + heading.substr(0, static_cast<std::size_t>(inner - 2)) + " ";
@@ -301,9 +286,9 @@ void PRPHED() {
     }
 
     const std::string package =
-        " Package: " + trimmedCopy(p.packageName) + " - " + trimmedCopy(p.packageVersion);
+        " Package: " + fmt::stripped(p.packageName) + " - " + fmt::stripped(p.packageVersion);
     const std::string module =
-        "Module: " + trimmedCopy(p.SPNAME) + " - " + trimmedCopy(p.SPVERS) + " ";
+        "Module: " + fmt::stripped(p.SPNAME) + " - " + fmt::stripped(p.SPVERS) + " ";
     const int gap = std::max(1, inner - static_cast<int>(package.size() + module.size()));
 
     std::string text = "{ulc" + rule + "{urc";
@@ -311,11 +296,11 @@ void PRPHED() {
     text += boxLine(package + blanks(gap) + module);
     text += divider;
     text += boxLine(" Project  : " + lastCharacters(project, PageHeadValueWidth));
-    text += boxLine(" Company  : " + lastCharacters(trimmedCopy(p.company), PageHeadValueWidth));
-    text += boxLine(" User     : " + lastCharacters(trimmedCopy(p.user), PageHeadValueWidth));
+    text += boxLine(" Company  : " + lastCharacters(fmt::stripped(p.company), PageHeadValueWidth));
+    text += boxLine(" User     : " + lastCharacters(fmt::stripped(p.user), PageHeadValueWidth));
     text += boxLine(" Date     : " + fmt::pad(s.date, DateWidth) + blanks(39) +
                     "Time: " + fmt::pad(s.time, TimeWidth));
-    const std::string listing = trimmedCopy(s.listingTitle);
+    const std::string listing = fmt::stripped(s.listingTitle);
     if (!listing.empty()) {
       text += divider;
       text += "{nwl{vln" + literal(centred(listing, inner)) + "{vln";
@@ -326,7 +311,7 @@ void PRPHED() {
     // The date in nine columns: day, month and the year's last two digits.
     std::string date = s.date;
     if (date.size() == DateWidth) date = date.substr(0, 7) + date.substr(9, 2);
-    PRLINE(literal("Module: " + fmt::pad(trimmedCopy(p.SPNAME), 4) +
+    PRLINE(literal("Module: " + fmt::pad(fmt::stripped(p.SPNAME), 4) +
                    "; pjc: " + fmt::pad(project, 15) + "; date: " + fmt::pad(date, 9) +
                    "; time: " + fmt::pad(s.time, 8) + "; page: " + fmt::I(s.pageNumber, 4)));
   }
@@ -412,8 +397,8 @@ void CLPRNT(bool keep, bool& status) {
 }
 
 std::string spoolFileName() {
-  const std::string directory = trimmedCopy(configuration().spoolDirectory);
-  const std::string name = trimmedCopy(program().printSpoolName);
+  const std::string directory = fmt::stripped(configuration().spoolDirectory);
+  const std::string name = fmt::stripped(program().printSpoolName);
   if (directory.empty()) return name;
   const char separator = program().pathSeparator;
   return directory.back() == separator ? directory + name : directory + separator + name;
@@ -421,8 +406,8 @@ std::string spoolFileName() {
 
 std::string spoolCommand(int entry, std::string_view fileName) {
   const PrinterEntry& e = printer(DeviceTable::System, entry);
-  std::string command = trimmedCopy(e.command);
-  if (command.empty()) command = "lp -d " + trimmedCopy(e.name);
+  std::string command = fmt::stripped(e.command);
+  if (command.empty()) command = "lp -d " + fmt::stripped(e.name);
   // The file name goes to the shell quoted unless it is plainly safe.
   const std::string name(fmt::trimmed(fileName));
   const bool safe = !name.empty() && name.find_first_not_of(
@@ -442,7 +427,7 @@ enum class Choice { Screen, Printer, File, Cancel };
 std::vector<std::string> printerRows(DeviceTable table) {
   std::vector<std::string> rows;
   for (int i = 1; i <= printerCount(table); ++i)
-    rows.push_back(trimmedCopy(printer(table, i).name));
+    rows.push_back(fmt::stripped(printer(table, i).name));
   return rows;
 }
 
@@ -461,7 +446,7 @@ int pickPrinter(DeviceTable table, std::string_view title, bool& status) {
 // open. False when the user aborts the name question.
 bool openFilePrinter(int entry, bool& status) {
   const PrinterEntry& e = printer(DeviceTable::File, entry);
-  const std::string deflt = trimmedCopy(e.name);
+  const std::string deflt = fmt::stripped(e.name);
   for (;;) {
     bool abort = false, failed = false;
     ASKQST("Input name of print file? (max 80 characters)", deflt,
@@ -475,7 +460,7 @@ bool openFilePrinter(int entry, bool& status) {
     bool none = false;
     GTCHAR(value, InputLineLength, none, failed);
     if (failed) continue;
-    const std::string name = trimmedCopy(value[0]);
+    const std::string name = fmt::stripped(value[0]);
     if (name.empty()) continue;
     if (fileExists(name)) {
       bool overwrite = false, cancelled = false;
@@ -557,7 +542,7 @@ void SLPRNT(bool& abort, bool& status) {
         if (entry == 0) continue;
         const PrinterEntry& e = printer(DeviceTable::System, entry);
         const std::string model =
-            trimmedCopy(e.interface).empty() ? std::string(SystemPrinterModel) : e.interface;
+            fmt::stripped(e.interface).empty() ? std::string(SystemPrinterModel) : e.interface;
         const std::string spool = spoolFileName();
         OPPRNT(TargetSystemPrinter, spool, model, e.linesPerPage, spoolCommand(entry, spool),
                status);

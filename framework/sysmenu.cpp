@@ -27,27 +27,8 @@ namespace {
 
 // --- Small pieces ---------------------------------------------------------------
 
-std::string trimmedCopy(std::string_view text) {
-  text = fmt::trimmed(text);
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  return std::string(text);
-}
 
-// A value shown inside a formatted text: braces doubled.
-std::string literal(std::string_view text) {
-  std::string out;
-  for (char c : text) {
-    out.push_back(c);
-    if (c == '{') out.push_back('{');
-  }
-  return out;
-}
 
-// Runs a command without a word on failure; its exit code.
-int runQuietly(std::string_view command) {
-  if (systemHooks().runCommand) return systemHooks().runCommand(command);
-  return platform::runCommand(command);
-}
 
 // A file name quoted for the shell.
 std::string shellQuoted(std::string_view name) {
@@ -57,7 +38,7 @@ std::string shellQuoted(std::string_view name) {
 }
 
 void notInThisVersion() {
-  ERRSCN("Not implemented in this version{nwl{gre(version is " + trimmedCopy(program().SPVERS) +
+  ERRSCN("Not implemented in this version{nwl{gre(version is " + fmt::stripped(program().SPVERS) +
          ")");
 }
 
@@ -66,7 +47,7 @@ int subMenu(std::string_view title, std::span<const std::string> items, std::str
             bool& status) {
   int numbered = 0;
   for (const std::string& item : items)
-    if (!trimmedCopy(item).empty()) ++numbered;
+    if (!fmt::stripped(item).empty()) ++numbered;
   bool abort = false;
   int selection = numbered + 1;
   TXMENU(title, items, static_cast<int>(items.size()) + 1, help, abort, selection, status);
@@ -115,7 +96,7 @@ bool askName(std::string_view question, std::string_view deflt, std::string& nam
     bool none = false;
     GTCHAR(value, MenuFileNameLength, none, failed);
     if (failed) continue;
-    name = trimmedCopy(value[0]);
+    name = fmt::stripped(value[0]);
     if (!name.empty()) return true;
   }
 }
@@ -320,9 +301,9 @@ void processList() {
 void operatingSystem() {
   std::string shell;
   GTENVV("SHELL", shell);
-  shell = trimmedCopy(shell);
+  shell = fmt::stripped(shell);
   if (shell.empty()) shell = "/bin/sh";
-  PUTSCN("{csb{yelType {greexit{yel to return to {gre" + literal(trimmedCopy(program().SPNAME)));
+  PUTSCN("{csb{yelType {greexit{yel to return to {gre" + literal(fmt::stripped(program().SPNAME)));
   bool failed = false;
   OPSYIF(shell, failed);
 }
@@ -339,7 +320,7 @@ void moduleLimits() {
 // --- Errors & mail -------------------------------------------------------------
 
 bool mailProgramAvailable() {
-  return runQuietly("command -v mail >/dev/null 2>&1") == 0;
+  return runCommandQuietly("command -v mail >/dev/null 2>&1") == 0;
 }
 
 void mailFailed() {
@@ -353,7 +334,7 @@ void receiveMail() {
   }
   OUTSCN("{csb");
   // "No mail" ends the program with a status of its own: no failure here.
-  runQuietly("mail");
+  runCommandQuietly("mail");
   WTRETN();
 }
 
@@ -398,11 +379,11 @@ std::string title(std::string_view text) {
 }
 
 std::string number(double value) {
-  return trimmedCopy(fmt::F(value, 12, 2));
+  return fmt::stripped(fmt::F(value, 12, 2));
 }
 
 std::string orNone(std::string_view text) {
-  const std::string value = trimmedCopy(text);
+  const std::string value = fmt::stripped(text);
   return value.empty() ? "(none)" : value;
 }
 
@@ -423,12 +404,12 @@ Section displaySection() {
           entry("Standard graphics", orNone(c.standardGraphics)),
           entry("Extended graphics", orNone(c.extendedGraphics)),
           entry("Terminal type", orNone(terminal().name)),
-          entry("Screen columns", trimmedCopy(fmt::I(p.screenColumns, 6))),
-          entry("Screen lines", trimmedCopy(fmt::I(p.screenLines, 6)))};
+          entry("Screen columns", fmt::stripped(fmt::I(p.screenColumns, 6))),
+          entry("Screen lines", fmt::stripped(fmt::I(p.screenLines, 6)))};
 }
 
 std::string modelText(std::string_view interface, bool system) {
-  const std::string model = trimmedCopy(interface);
+  const std::string model = fmt::stripped(interface);
   if (model.empty()) return system ? std::string(SystemPrinterModel) : "(plain characters)";
   return knownPrinterModel(model) ? model : model + " (plain characters)";
 }
@@ -445,7 +426,7 @@ std::vector<Section> printerSections(bool detailed) {
       if (n == 0) s.push_back(system ? "{CYANo printers defined" : "{CYANo file printers defined");
       for (int i = 1; i <= n; ++i) {
         const PrinterEntry& e = printer(table, i);
-        s.push_back("{CYA" + fmt::I(i, 2) + ". {GRE" + literal(fmt::pad(trimmedCopy(e.name), 24)) +
+        s.push_back("{CYA" + fmt::I(i, 2) + ". {GRE" + literal(fmt::pad(fmt::stripped(e.name), 24)) +
                     " {CYA" + literal(modelText(e.interface, system)) +
                     (i == chosen ? " {YEL(default)" : ""));
       }
@@ -454,15 +435,15 @@ std::vector<Section> printerSections(bool detailed) {
     }
     for (int i = 1; i <= n; ++i) {
       const PrinterEntry& e = printer(table, i);
-      Section s{title(std::string(kind) + " " + trimmedCopy(fmt::I(i, 2))), "",
-                entry("Name", trimmedCopy(e.name)),
+      Section s{title(std::string(kind) + " " + fmt::stripped(fmt::I(i, 2))), "",
+                entry("Name", fmt::stripped(e.name)),
                 entry("Interface", modelText(e.interface, system))};
       if (system) {
-        std::string command = trimmedCopy(e.command);
-        if (command.empty()) command = "lp -d " + trimmedCopy(e.name) + " (standard)";
+        std::string command = fmt::stripped(e.command);
+        if (command.empty()) command = "lp -d " + fmt::stripped(e.name) + " (standard)";
         s.push_back(entry("Command", command));
       }
-      s.push_back(entry("Lines per page", trimmedCopy(fmt::I(e.linesPerPage, 6))));
+      s.push_back(entry("Lines per page", fmt::stripped(fmt::I(e.linesPerPage, 6))));
       s.push_back(entry("Default", yesNo(i == chosen)));
       sections.push_back(s);
     }
@@ -472,7 +453,7 @@ std::vector<Section> printerSections(bool detailed) {
 
 std::string paperText(int code) {
   static const char* papers[] = {"A0", "A1", "A2", "A3", "A4"};
-  return code >= 0 && code <= 4 ? papers[code] : trimmedCopy(fmt::I(code, 6));
+  return code >= 0 && code <= 4 ? papers[code] : fmt::stripped(fmt::I(code, 6));
 }
 
 std::vector<Section> plotterSections(bool detailed) {
@@ -486,7 +467,7 @@ std::vector<Section> plotterSections(bool detailed) {
       if (n == 0) s.push_back(system ? "{CYANo plotters defined" : "{CYANo file plotters defined");
       for (int i = 1; i <= n; ++i) {
         const PlotterEntry& e = plotter(table, i);
-        s.push_back("{CYA" + fmt::I(i, 2) + ". {GRE" + literal(fmt::pad(trimmedCopy(e.name), 24)) +
+        s.push_back("{CYA" + fmt::I(i, 2) + ". {GRE" + literal(fmt::pad(fmt::stripped(e.name), 24)) +
                     " {CYA" + literal(orNone(e.interface)) + " / " + literal(orNone(e.model)) +
                     (i == chosen ? " {YEL(default)" : ""));
       }
@@ -496,8 +477,8 @@ std::vector<Section> plotterSections(bool detailed) {
     for (int i = 1; i <= n; ++i) {
       const PlotterEntry& e = plotter(table, i);
       Section s{
-          title(std::string(system ? "Plotter " : "File plotter ") + trimmedCopy(fmt::I(i, 2))), "",
-          entry("Name", trimmedCopy(e.name)), entry("Interface", orNone(e.interface)),
+          title(std::string(system ? "Plotter " : "File plotter ") + fmt::stripped(fmt::I(i, 2))), "",
+          entry("Name", fmt::stripped(e.name)), entry("Interface", orNone(e.interface)),
           entry("Model", orNone(e.model))};
       if (system) s.push_back(entry("Command", orNone(e.command)));
       s.push_back(entry("Maximum paper size", paperText(e.maximumPaperSize)));
@@ -534,7 +515,7 @@ Section miscellaneousSection() {
             entry("Default company", orNone(c.defaultCompany)),
             entry("Default user", orNone(c.defaultUser)),
             entry("File name type", nameTypes[nameType - 1]),
-            entry("Show time [sec]", trimmedCopy(fmt::I(p.showTime, 6)))};
+            entry("Show time [sec]", fmt::stripped(fmt::I(p.showTime, 6)))};
   if (c.fileCount == 0) s.push_back(entry("Configuration file", "(none)"));
   for (int i = 1; i <= c.fileCount; ++i) s.push_back(entry("Configuration file", c.files(i)));
   return s;
@@ -648,7 +629,7 @@ void EMRPER(int kind, bool& status) {
   std::string date, time;
   GTDATE(date);
   GTTIME(time);
-  const std::string module = trimmedCopy(p.SPNAME) + " " + trimmedCopy(p.SPVERS);
+  const std::string module = fmt::stripped(p.SPNAME) + " " + fmt::stripped(p.SPVERS);
   const std::string subject =
       kind == GeneralErrorReport ? "Tarvik error report" : "Tarvik error report for " + module;
   std::string name = spoolFileName();
@@ -661,12 +642,12 @@ void EMRPER(int kind, bool& status) {
   const std::string lines[] = {
       subject,
       "",
-      "Package : " + trimmedCopy(p.packageName) + " " + trimmedCopy(p.packageVersion),
+      "Package : " + fmt::stripped(p.packageName) + " " + fmt::stripped(p.packageVersion),
       "Module  : " + module,
-      "System  : " + trimmedCopy(p.operatingSystem),
-      "Project : " + trimmedCopy(p.projectName),
-      "Company : " + trimmedCopy(p.company),
-      "User    : " + trimmedCopy(p.user),
+      "System  : " + fmt::stripped(p.operatingSystem),
+      "Project : " + fmt::stripped(p.projectName),
+      "Company : " + fmt::stripped(p.company),
+      "User    : " + fmt::stripped(p.user),
       "Date    : " + date + " at " + time,
       "",
       description,
@@ -679,7 +660,7 @@ void EMRPER(int kind, bool& status) {
     status = true;
     return;
   }
-  const int result = runQuietly("mail -s " + shellQuoted(subject) + " " + ErrorReportAddress +
+  const int result = runCommandQuietly("mail -s " + shellQuoted(subject) + " " + ErrorReportAddress +
                                 " < " + shellQuoted(name));
   std::error_code ignored;
   std::filesystem::remove(name, ignored);

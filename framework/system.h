@@ -31,6 +31,10 @@ struct SystemHooks {
 };
 SystemHooks& systemHooks();
 
+// Runs one command through the hook above, with no word on failure; its
+// exit code, or -1 when it could not run.
+int runCommandQuietly(std::string_view command);
+
 // Ends the process with `code` through the hook above.
 void endProcess(int code);
 

@@ -355,6 +355,15 @@ void SCRINP(int& code, int& value) {
   }
 }
 
+std::string literal(std::string_view text) {
+  std::string out;
+  for (char c : text) {
+    out.push_back(c);
+    if (c == '{') out.push_back('{');
+  }
+  return out;
+}
+
 std::string ioStatusReason(int s) {
   const char* reason = nullptr;
   switch (s) {

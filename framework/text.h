@@ -82,6 +82,10 @@ void IOINTL(char operation, int ioStatus);
 // NOHELP: there is no help for this question.
 void NOHELP();
 
+// A value shown inside a formatted text: braces doubled, so that it shows
+// as typed.
+std::string literal(std::string_view text);
+
 // Reason text of an I/O status number, as IOERRM appends it.
 std::string ioStatusReason(int ioStatus);
 

@@ -200,18 +200,8 @@ void enterRawMode() {
   if (::tcsetattr(STDIN_FILENO, TCSANOW, &raw) == 0) c.rawMode = true;
 }
 
-void onSignal(int signal) {
-  restoreTerminal();
-  Console& c = con();
-  if (c.outputTerminal && !c.memory) {
-    const char reset[] = "\x1b[?1000l\x1b[?1006l\x1b[?25h\x1b[0m";
-    ssize_t ignored = ::write(STDOUT_FILENO, reset, sizeof reset - 1);
-    (void)ignored;
-  }
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
-}
-
+// Gives the terminal back: line mode, no mouse reports, cursor shown,
+// colours reset.
 void atExit() {
   restoreTerminal();
   Console& c = con();
@@ -220,6 +210,12 @@ void atExit() {
     ssize_t ignored = ::write(STDOUT_FILENO, reset, sizeof reset - 1);
     (void)ignored;
   }
+}
+
+void onSignal(int signal) {
+  atExit();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
 }
 
 void querySize(int& columns, int& lines) {
