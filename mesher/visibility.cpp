@@ -215,6 +215,10 @@ void SCVPGL(VisibilityScan& v, bool& status) {
 void SCVPGR(VisibilityScan& v, bool& status) {
   status = false;
   while (v.state == ScanRight) {
+    // Chain point c - 1 as it came in.
+    const double prevX = v.previousSaved ? v.previousX : px(v, v.c - 1);
+    const double prevY = v.previousSaved ? v.previousY : py(v, v.c - 1);
+    v.previousSaved = false;
     // Pop the stack back to where the ray from R through the current point
     // leaves it.
     int outcome = 0;
@@ -253,8 +257,8 @@ void SCVPGR(VisibilityScan& v, bool& status) {
         }
       } else {
         double ux = 0.0, uy = 0.0;
-        if (meet(false, px(v, v.c - 1), py(v, v.c - 1), px(v, v.c), py(v, v.c), px(v, k - 1),
-                 py(v, k - 1), px(v, k), py(v, k), ux, uy)) {
+        if (meet(false, prevX, prevY, px(v, v.c), py(v, v.c), px(v, k - 1), py(v, k - 1),
+                 px(v, k), py(v, k), ux, uy)) {
           v.wx = ux;
           v.wy = uy;
           outcome = 3;
@@ -270,8 +274,8 @@ void SCVPGR(VisibilityScan& v, bool& status) {
       return;
     }
     v.s = k;
-    v.wx = px(v, v.c - 1);
-    v.wy = py(v, v.c - 1);
+    v.wx = prevX;
+    v.wy = prevY;
     if (outcome == 1) {
       // Cut the stack top at the ray through the current point.
       double ux = 0.0, uy = 0.0;
@@ -400,6 +404,7 @@ void SCVPG2(VisibilityScan& v, bool& status) {
   status = false;
   const double dxn = px(v, v.n) - px(v, v.s), dyn = py(v, v.n) - py(v, v.s);
   const double tolerance = meshTolerance() * (dxn * dxn + dyn * dyn);
+  const int c0 = v.c;
   int k = v.c;
   if (!(v.label(v.s) < 0 || k + 1 == v.n)) {
     if (k + 1 > v.n || v.s < 1) {
@@ -428,16 +433,33 @@ void SCVPG2(VisibilityScan& v, bool& status) {
       fail("(SCVPG2) Internal error - index out of range when scanning!", status);
       return;
     }
-    const double fromX = k == v.c ? v.wx : px(v, k);
-    const double fromY = k == v.c ? v.wy : py(v, k);
+    const double fromX = k == c0 ? v.wx : px(v, k);
+    const double fromY = k == c0 ? v.wy : py(v, k);
     double ux = 0.0, uy = 0.0;
     if (meet(false, px(v, v.n), py(v, v.n), px(v, v.s), py(v, v.s), fromX, fromY, px(v, k + 1),
              py(v, k + 1), ux, uy)) {
-      // A crossing at the stack top itself is where the chain left off.
-      const double dx = px(v, v.s) - ux, dy = py(v, v.s) - uy;
-      if (dx * dx + dy * dy > tolerance && sideOfRay(v, k + 1, v.n) == 1) {
+      // A crossing at the chain's end is no way back in. One at the stack
+      // top is a way back only for an edge that goes on in front of the
+      // stack's last segment, on R's side; an edge that turns away behind
+      // it, or runs back along it (the return side of a doubled edge), is
+      // still hidden.
+      const double dnx = px(v, v.n) - ux, dny = py(v, v.n) - uy;
+      const double dsx = px(v, v.s) - ux, dsy = py(v, v.s) - uy;
+      bool back = dnx * dnx + dny * dny > tolerance && sideOfRay(v, k + 1, v.n) == 1;
+      if (back && dsx * dsx + dsy * dsy <= tolerance) {
+        back = v.s >= 1 &&
+               side(v, k + 1, px(v, v.s - 1), py(v, v.s - 1), px(v, v.s), py(v, v.s)) == -1;
+      }
+      if (back) {
         v.state = ScanRight;
         v.c = k + 1;
+        if (k == c0) {
+          // The edge starts at W, the point whose place the cut stack top
+          // may have taken.
+          v.previousSaved = true;
+          v.previousX = fromX;
+          v.previousY = fromY;
+        }
         return;
       }
     }

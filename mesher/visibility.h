@@ -37,6 +37,10 @@ struct VisibilityScan {
   int c = 0;                  // current chain index
   int s = 0;                  // stack top
   double wx = 0.0, wy = 0.0;  // saved point W
+  // Chain point c - 1 as it came in, when its place in the lists has been
+  // taken by a cut stack top; only state 2 reads it.
+  bool previousSaved = false;
+  double previousX = 0.0, previousY = 0.0;
   View0<double> x, y;
   View0<int> label;
 };

@@ -137,6 +137,34 @@ Polygon randomStar(std::mt19937& random, double cx, double cy, double rMin, doub
     const double r = rMin + (rMax - rMin) * unit(random);
     p.push_back({cx + r * std::cos(angles[i]), cy + r * std::sin(angles[i])});
   }
+  // With a gap of more than half a turn between two corners the centre lies
+  // outside, and the walk can come out clockwise.
+  if (signedArea(p) < 0.0) p = reversed(p);
+  return p;
+}
+
+Polygon randomTangle(std::mt19937& random, double cx, double cy, double r, int n) {
+  std::uniform_real_distribution<double> unit(-1.0, 1.0);
+  Polygon p;
+  for (int i = 0; i < n; ++i) p.push_back({cx + r * unit(random), cy + r * unit(random)});
+  // Each reversal shortens the closed walk, so this ends.
+  for (bool changed = true; changed;) {
+    changed = false;
+    for (int i = 0; i < n && !changed; ++i) {
+      for (int j = i + 2; j < n && !changed; ++j) {
+        if (i == 0 && j == n - 1) continue;
+        const XY a = p[i], b = p[i + 1], c = p[j], d = p[(j + 1) % n];
+        const double d1 = cross(a, b, c), d2 = cross(a, b, d);
+        const double d3 = cross(c, d, a), d4 = cross(c, d, b);
+        if (((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) &&
+            ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0))) {
+          std::reverse(p.begin() + i + 1, p.begin() + j + 1);
+          changed = true;
+        }
+      }
+    }
+  }
+  if (signedArea(p) < 0.0) p = reversed(p);
   return p;
 }
 
@@ -179,7 +207,7 @@ bool isSimpleRegion(const TestRegion& region) {
   return true;
 }
 
-TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid) {
+TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid, bool tangled) {
   std::uniform_real_distribution<double> unit(0.0, 1.0);
   std::uniform_int_distribution<int> corners(3, 40);
   auto snap = [&](Polygon p) {
@@ -190,11 +218,13 @@ TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid) {
       if (q.empty() || !(q.back() == s)) q.push_back(s);
     }
     while (q.size() > 1 && q.front() == q.back()) q.pop_back();
+    if (signedArea(q) < 0.0) q = reversed(q);
     return q;
   };
   for (;;) {
     TestRegion region;
-    region.polygons.push_back(snap(randomStar(random, 0.0, 0.0, 4.0, 10.0, corners(random))));
+    region.polygons.push_back(snap(tangled ? randomTangle(random, 0.0, 0.0, 10.0, corners(random))
+                                           : randomStar(random, 0.0, 0.0, 4.0, 10.0, corners(random))));
     if (region.polygons[0].size() < 3 || !isSimpleRegion(region)) continue;
     const int holes = std::uniform_int_distribution<int>(0, maxHoles)(random);
     for (int tries = 0; tries < 50 && static_cast<int>(region.polygons.size()) <= holes; ++tries) {
