@@ -20,6 +20,11 @@
 //   GTLOGV  fetch logical values
 //   CVYESN  convert a yes/no word
 //   NOABRT  "No abort possibility"
+//
+// A line is good until the next read: between a read and the GT routines
+// nothing else may read, since the position in the line is shared. A special
+// command may run a whole dialogue of its own inside a read; the answer is
+// then no answer, and the caller asks again.
 #pragma once
 
 #include <span>
@@ -37,15 +42,26 @@ inline constexpr int TypeReal = 3;
 inline constexpr int TypeText = 4;
 inline constexpr int TypeLogical = 5;
 
+// Tokens of the line language, as LNTOKN returns them.
+inline constexpr int LineEnd = 0;
+inline constexpr int LineComma = 1;
+inline constexpr int LineBlank = 2;
+inline constexpr int LineAbort = 3;         // "$" opening the line
+inline constexpr int LineSpecial = 4;       // "#" opening the line
+inline constexpr int LineHelp = 5;          // "?" opening the line
+inline constexpr int LineDoubleQuoted = 6;  // "..." with "" for a quote inside
+inline constexpr int LineSingleQuoted = 7;  // '...' with '' for a quote inside
+inline constexpr int LineWord = 8;          // printable run without blank or comma
+
 // What kind of answer a line was.
 struct Answer {
-  bool click = false;     // a mouse click, at clickRow and clickColumn (one-based)
+  bool click = false;  // a mouse click, at clickRow and clickColumn (one-based)
   int clickRow = 0;
   int clickColumn = 0;
-  bool abort = false;     // "$"
-  bool help = false;      // "?"
-  bool special = false;   // a "#" command was run: ask again
-  bool deflt = false;     // empty answer: take the default
+  bool abort = false;    // "$"
+  bool help = false;     // "?"
+  bool special = false;  // a "#" command was run: ask again
+  bool deflt = false;    // empty answer: take the default
 };
 
 // RDLINE: read one answer for a text menu, expecting `expected` fields.
@@ -57,14 +73,36 @@ void RDPROM(int expected, Answer& answer, bool& status);
 
 // RDLNPR: parse `line` against the expected field count; runs a special
 // command when the line is one. `disabled` blocks the data-changing commands.
+// A malformed line sets status without a word; a wrong field count says
+// "Wrong number of arguments".
 void RDLNPR(std::string_view line, int expected, bool disabled, Answer& answer, bool& status);
 
-// DOSPEC: run the special command `word` (text after "#", any case).
-void DOSPEC(std::string_view word);
+// LNTOKN: the next token of `line` from `position` (1-based, moved past the
+// token). `lineStart` says that the token opens the line: only there are
+// "?", "$" and "#" tokens of their own; elsewhere they belong to words.
+// `first` and `last` give the token's extent; `text` the field's value, with
+// the quotes of a quoted string taken off. An unterminated quote is reported
+// on standard output and ends the line there.
+int LNTOKN(std::string_view line, int& position, bool lineStart, int& first, int& last,
+           std::string& text);
+
+// DOSPEC: run the special command `word` (the text after "#", any case).
+// `disabled` refuses LOAD, SAVE, RESET and PROJECT.
+void DOSPEC(std::string_view word, bool disabled);
+
+// GTITEM: take the next field of the line read last and convert it as `type`
+// (TypeInteger into `integer`, TypeReal into `real`, TypeText into `text`
+// of at most `maxLength` characters, TypeLogical into `logical`).
+// `converted` stays false for an empty field or a finished line, and the
+// outputs keep what they held: the caller's defaults. status is set when
+// the field does not convert.
+void GTITEM(int type, int maxLength, int& integer, double& real, std::string& text, bool& logical,
+            bool& converted, bool& status);
 
 // GTINTV, GTREAL, GTCHAR, GTLOGV: fetch values.size() values from the line
 // read last. `deflt` comes back true when no value was converted. A field
-// left empty keeps the value the caller preset.
+// left empty keeps the value the caller preset. They stop at the first
+// field that fails.
 void GTINTV(std::span<int> values, bool& deflt, bool& status);
 void GTREAL(std::span<double> values, bool& deflt, bool& status);
 void GTCHAR(std::span<std::string> texts, int maxLength, bool& deflt, bool& status);

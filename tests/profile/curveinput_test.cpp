@@ -1,0 +1,166 @@
+#include "profile/curveinput.h"
+
+#include <gtest/gtest.h>
+
+#include "profile/block.h"
+#include "support/console_fixture.h"
+
+namespace kntr::profile {
+namespace {
+
+class KeyIn : public kntr::testing::ConsoleTest {
+ protected:
+  void SetUp() override {
+    ConsoleTest::SetUp();
+    resize(80, 24);
+    resetProfileBlock();
+    ProfileData& p = profile();
+    p.BBOXOK = true;
+    p.PRBBOX(1) = 0.0;
+    p.PRBBOX(2) = 10.0;
+    p.PRBBOX(3) = -5.0;
+    p.PRBBOX(4) = 5.0;
+    IZACCY();
+  }
+  ProfileData& p = profile();
+};
+
+TEST_F(KeyIn, BoxRangesMustBeOrderedAndModifyOffersThePresentValues) {
+  type("3,1\n\n"      // refused, then RETURN for the error
+       "1,3\n"
+       "1\n\n"        // one value: wrong number of arguments
+       "-2,2\n");
+  bool cancelled = true, status = true;
+  INBBOX(false, cancelled, status);
+  EXPECT_FALSE(status);
+  EXPECT_FALSE(cancelled);
+  EXPECT_EQ(p.PRBBOX(1), 1.0);
+  EXPECT_EQ(p.PRBBOX(2), 3.0);
+  EXPECT_EQ(p.PRBBOX(3), -2.0);
+  EXPECT_EQ(p.PRBBOX(4), 2.0);
+  const std::string shown = output();
+  EXPECT_NE(shown.find("Max X-coordinate must be larger than min!"), std::string::npos);
+  EXPECT_NE(shown.find("Wrong number of arguments"), std::string::npos);
+
+  // Modify: an empty answer keeps X; an abort at Y leaves the old Y.
+  type("\n$\n");
+  INBBOX(true, cancelled, status);
+  EXPECT_TRUE(cancelled);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(p.PRBBOX(1), 1.0);
+  EXPECT_EQ(p.PRBBOX(4), 2.0);
+  EXPECT_NE(output().find("(default  1.000E+00,  3.000E+00)"), std::string::npos);
+}
+
+TEST_F(KeyIn, FirstCurveAsksTypeAndReferenceThenPoints) {
+  type("1\n"            // cubic spline profile
+       "2.5,1\n"        // reference point
+       "0,0\n1\n"       // point 1, CC
+       "20,0\n2\n"      // point 2 beyond the box: stored at the edge, knuckle
+       "5,-9\n\n"       // point 3 below the box, default type (CC)
+       "\n"             // DONE
+       "yes\n");        // close the curve
+  bool status = false;
+  KYPRCV(status);
+  EXPECT_TRUE(status);  // a key-in always ends this way
+  ASSERT_EQ(p.NPRCRV, 1);
+  EXPECT_EQ(p.PRFTYP, SplineProfile);
+  EXPECT_EQ(p.PRREFP(1), 2.5);
+  ASSERT_EQ(p.NPRPNT(1), 3);
+  EXPECT_EQ(p.PRPNTS(1, 2)(1), 10.0);
+  EXPECT_EQ(p.PRPNTS(1, 3)(2), -5.0);
+  EXPECT_EQ(p.PRPTYP(1, 1), ContinuousCurvature);
+  EXPECT_EQ(p.PRKWGT(1, 1), 0.0);
+  EXPECT_EQ(p.PRPTYP(1, 2), Knuckle);
+  EXPECT_EQ(p.PRKWGT(1, 2), 1.0);
+  EXPECT_EQ(p.PRPTYP(1, 3), ContinuousCurvature);
+  EXPECT_TRUE(p.PRCLSD(1));
+  EXPECT_EQ(p.CURCRV, 1);
+  EXPECT_FALSE(p.MODFLG);
+}
+
+TEST_F(KeyIn, CoincidentPointsAreIgnoredAndReturningToTheStartOffersClosure) {
+  p.NPRCRV = 1;
+  p.PRFTYP = PolylineProfile;
+  type("1,1\n"
+       "1.001,1\n\n"    // coincides with the previous point: error, RETURN
+       "4,1\n"
+       "4,4\n"
+       "1,1.001\n"      // back on the first point: close? default yes
+       "\n");
+  bool status = true;
+  INPRPN(1, status);
+  EXPECT_FALSE(status);
+  EXPECT_NE(output().find("Two points was coincidental, ignoring last point!"), std::string::npos);
+  EXPECT_TRUE(p.PRCLSD(1));
+  // The closing point is counted but not stored.
+  EXPECT_EQ(p.NPRPNT(1), 4);
+  EXPECT_EQ(p.PRPTYP(1, 3), Knuckle);
+  EXPECT_EQ(p.PRKWGT(1, 3), 1.0);
+}
+
+TEST_F(KeyIn, TwoPointCurvesAreNotOfferedClosure) {
+  p.NPRCRV = 1;
+  type("1,1\n" "\n"    // point and its type
+       "2,2\n" "\n"
+       "\n");          // DONE
+  bool status = true;
+  INPRPN(1, status);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(p.NPRPNT(1), 2);
+  EXPECT_FALSE(p.PRCLSD(1));
+  EXPECT_EQ(output().find("OK to close"), std::string::npos);
+}
+
+TEST_F(KeyIn, AbortThrowsTheCurveAway) {
+  p.NPRCRV = 2;
+  p.NPRPNT(2) = 5;
+  type("3,3\n\n"   // one point
+       "$\n");      // then abort
+  bool status = false;
+  KYPRCV(status);  // a third curve: no profile type question
+  EXPECT_TRUE(status);
+  EXPECT_EQ(p.NPRCRV, 2);
+}
+
+TEST_F(KeyIn, TenCurvesIsTheLimit) {
+  p.NPRCRV = MaxCurves;
+  type("\n");
+  bool status = true;
+  KYPRCV(status);
+  EXPECT_FALSE(status);
+  EXPECT_NE(output().find("Max number of profile curves reached!"), std::string::npos);
+  EXPECT_EQ(p.NPRCRV, MaxCurves);
+}
+
+TEST_F(KeyIn, RemovalMovesTheFollowingCurvesDown) {
+  p.NPRCRV = 3;
+  for (int c = 1; c <= 3; ++c) {
+    p.NPRPNT(c) = c + 1;
+    p.PRPARM(c) = c;
+    p.PRCLSD(c) = c == 3;
+    for (int j = 1; j <= c + 1; ++j) {
+      p.PRPNTS(c, j)(1) = 10.0 * c + j;
+      p.PRTANL(c, j)(1) = c;
+      p.PRTANL(c, j)(2) = -c;
+    }
+  }
+  bool status = true;
+  RMPRCV(2, status);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(p.NPRCRV, 2);
+  EXPECT_EQ(p.NPRPNT(2), 4);
+  EXPECT_TRUE(p.PRCLSD(2));
+  EXPECT_EQ(p.PRPNTS(2, 4)(1), 34.0);
+  EXPECT_EQ(p.PRTANL(2, 1)(1), 3.0);
+  // The trailing length and the parameterization stay with the slot.
+  EXPECT_EQ(p.PRTANL(2, 1)(2), -2.0);
+  EXPECT_EQ(p.PRPARM(2), 2);
+  type("\n");
+  RMPRCV(3, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(RMPRCV) Illegal profile curve index!"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kntr::profile

@@ -1,0 +1,107 @@
+#include "profile/pointfairing.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <vector>
+
+#include "profile/curverecord.h"
+#include "spline/knots.h"
+#include "spline/tangents.h"
+#include "support/curve_builder.h"
+#include "support/spline_helpers.h"
+
+namespace kntr::profile {
+namespace {
+
+using testing::addCurve;
+using testing::setBox;
+using testing::shown;
+using PointFairing = testing::ProfileTest;
+
+constexpr double Pi = 3.141592653589793;
+
+// A circle of 12 points with point 4 pushed outward.
+void dentedCircle() {
+  setBox(-8, 8, -8, 8);
+  std::vector<XY> v;
+  for (int i = 0; i < 12; ++i) {
+    const double r = i == 3 ? 6.5 : 5.0;
+    v.push_back(XY{r * std::cos(2 * Pi * i / 12), r * std::sin(2 * Pi * i / 12)});
+  }
+  addCurve(v, true);
+}
+
+TEST_F(PointFairing, FreeFairingPullsADentBackAndLeavesTheProfileAlone) {
+  dentedCircle();
+  const ProfileData before = profile();
+  FairSettings settings;
+  settings.maxIterations = 20;
+  auto outcome = std::make_unique<FairOutcome>();
+  bool failed = true;
+  fairCurvePoint(1, 4, settings, *outcome, failed);
+  ASSERT_FALSE(failed);
+  EXPECT_TRUE(profile() == before);
+  EXPECT_GE(outcome->iterations, 2);
+  EXPECT_EQ(outcome->energyCount, outcome->iterations);
+  EXPECT_LT(outcome->energies(outcome->energyCount), outcome->energies(1));
+  EXPECT_EQ(outcome->start, (XY{before.PRPNTS(1, 4)(1), before.PRPNTS(1, 4)(2)}));
+  EXPECT_LT(std::hypot(outcome->faired.x, outcome->faired.y) - 5.0, 0.5);
+  EXPECT_EQ(outcome->direction, (XY{0, 0}));
+}
+
+TEST_F(PointFairing, NormalModeMovesAcrossTheSolvedTangent) {
+  dentedCircle();
+  // The leading tangent of point 4 from an independent solve.
+  auto rec = std::make_unique<spline::SplineRecord>();
+  auto solved = std::make_unique<spline::HermiteCurve>();
+  CurveBox box;
+  loadCurveRecord(1, *rec, box);
+  bool failed = true;
+  spline::MKIKV3(ChordLength, *rec, failed);
+  spline::HCTAN3(500, testing::P(0, 0), testing::P(1, 0), spline::SideNone, 0.0, *rec, *solved,
+                 failed);
+  const spline::Triple t = spline::leading(solved->tangents(4));
+
+  auto outcome = std::make_unique<FairOutcome>();
+  fairCurvePoint(1, 4, FairSettings{FairMode::LeadingNormal, {}, true, -1.0, 3}, *outcome, failed);
+  ASSERT_FALSE(failed);
+  EXPECT_NEAR(outcome->direction.x * t(1) + outcome->direction.y * t(2), 0.0, 1e-9);
+  const double dx = outcome->faired.x - outcome->start.x, dy = outcome->faired.y - outcome->start.y;
+  EXPECT_GT(std::hypot(dx, dy), 0.1);
+  EXPECT_NEAR(dx * t(1) + dy * t(2), 0.0, 1e-9);
+}
+
+TEST_F(PointFairing, SettingsComeFromTheProfileBlock) {
+  profile().FRLOCL = false;
+  profile().FRRSTR = true;
+  profile().FRRDST = 0.25;
+  profile().FRMITR = 7;
+  const FairSettings s = fairSettingsFromProfile(FairMode::GivenVector, XY{1, 2});
+  EXPECT_FALSE(s.local);
+  EXPECT_EQ(s.restraint, 0.25);
+  EXPECT_EQ(s.maxIterations, 7);
+  EXPECT_EQ(s.direction, (XY{1, 2}));
+  profile().FRRSTR = false;
+  EXPECT_EQ(fairSettingsFromProfile(FairMode::Free).restraint, -1.0);
+}
+
+TEST_F(PointFairing, RefusesPolylinesAndZeroDirections) {
+  dentedCircle();
+  auto outcome = std::make_unique<FairOutcome>();
+  bool failed = false;
+  type("\n");
+  fairCurvePoint(1, 4, FairSettings{FairMode::GivenVector, {0, 0}, true, -1.0, 1}, *outcome,
+                 failed);
+  EXPECT_TRUE(failed);
+  EXPECT_TRUE(shown(output(), "Direction vector cannot have zero length!"));
+  profile().PRFTYP = PolylineProfile;
+  type("\n");
+  fairCurvePoint(1, 4, FairSettings{}, *outcome, failed);
+  EXPECT_TRUE(failed);
+  EXPECT_TRUE(shown(output(), "Points cannot be faired for a polyline profile!"));
+}
+
+}  // namespace
+}  // namespace kntr::profile
