@@ -35,6 +35,10 @@ int truncated(double value) {
   return static_cast<int>(value);
 }
 
+// The density handed to the density stage: 1 everywhere. It is read only
+// when the density blend asks for a user function, which it never does.
+double systemDensity(double, double) { return 1.0; }
+
 // Index list of one polygon for the direction test.
 Array1<int, MaxPolyPoints> polygonIndex;
 // Triangle qualities of the quality search.
@@ -73,8 +77,6 @@ MeshStatistics& lastMeshStatistics() {
   static MeshStatistics statistics;
   return statistics;
 }
-
-double DSFUNC(double, double) { return 1.0; }
 
 void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVertices,
             View1<XY> vertices, int& count, View1<Triangle> triangles, bool& status) {
@@ -134,7 +136,7 @@ void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVerti
   RSRFAL(m, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
   numVertices = m.NumVertices;
   if (status) return;
-  SDCPET(m, DSFUNC, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
+  SDCPET(m, systemDensity, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
   numVertices = m.NumVertices;
   if (status) return;
   TRMSCP(m, triangles, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
@@ -158,7 +160,7 @@ void TRASM2(int maxIterations, double requiredQuality, int numHoles, View1<const
     return;
   }
   if (!regionFits(numHoles, polySizes, vertices.size())) {
-    fail("(IZMCPR) Max number of polygon vertices exceeded!", status);
+    fail("(TRASM2) Max number of vertices exceeded!", status);
     return;
   }
   for (int k = 1; k <= numHoles + 1; ++k) {

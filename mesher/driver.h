@@ -3,7 +3,6 @@
 //   IQPMSH  mesh the region between the profile's closed curves
 //   TRNSM2  mesh one region (exterior polygon and holes) for a triangle count
 //   TRASM2  mesh one region for a required mean quality
-//   DSFUNC  the system's density function: 1.0 everywhere
 #pragma once
 
 #include "framework/onebased.h"
@@ -39,9 +38,5 @@ void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVerti
 void TRASM2(int maxIterations, double requiredQuality, int numHoles, View1<const int> polySizes,
             bool smooth, int& numVertices, View1<XY> vertices, int& count,
             View1<Triangle> triangles, int& iterations, double& achievedQuality, bool& status);
-
-// DSFUNC: the density handed to SDCPET; it is used only when the density
-// blend asks for a user function, which this system never does.
-double DSFUNC(double x, double y);
 
 }  // namespace kntr::mesher

@@ -296,7 +296,7 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
     return;
   }
   if (others < 2) {
-    fail("(RSRFVX) Internal error - polygon boundary does not close!", status);
+    fail("(RSRFVX) Internal error - degenerate polygon at reflex vertex!", status);
     return;
   }
 
@@ -336,7 +336,7 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
   for (int i = 0; i <= count; ++i) {
     const int l = label(i);
     if (l > others - 1 || -l > others - 1) {
-      fail("(RSRFVX) Internal error - polygon boundary does not close!", status);
+      fail("(RSRFVX) Internal error - degenerate polygon at reflex vertex!", status);
       return;
     }
     label(i) = l >= 0 ? chainEdge(l) : -chainEdge(-l - 1);
@@ -367,7 +367,8 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
   double best = 0.0;
   int pick1 = -1, pick2 = -1;
   SLRFSP(m, target, r.x, r.y, count, x, y, label, theta, std::max(numNeighbours, 0),
-         neighbours.from(from), cx, best, pick1, pick2);
+         View0<const int>(neighbours.data() + from, count + 1 - from), cx, best, pick1,
+         pick2);
   if (best < m.MinSeparatorAngle) {
     // Too narrow: try every candidate of the chain.
     for (int i = 1; i <= count - 1; ++i) neighbours(i - 1) = i;

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "framework/onebased.h"
-#include "mesher/chain.h"
+#include "mesher/workarea.h"
 #include "mesher/structure.h"
 
 namespace kntr::mesher {

@@ -11,7 +11,7 @@
 //   SCVPG4  scan state 6: as state 3 for a stack whose top was cut
 #pragma once
 
-#include "mesher/chain.h"
+#include "mesher/workarea.h"
 
 namespace kntr::mesher {
 
