@@ -37,7 +37,9 @@ int truncated(double value) {
 
 // The density handed to the density stage: 1 everywhere. It is read only
 // when the density blend asks for a user function, which it never does.
-double systemDensity(double, double) { return 1.0; }
+double systemDensity(double, double) {
+  return 1.0;
+}
 
 // Index list of one polygon for the direction test.
 Array1<int, MaxPolyPoints> polygonIndex;
@@ -55,8 +57,8 @@ Array1<int, MaxHoles * MaxHoles> groupMember;
 Array1<int, MaxHoles + 1> regionSize;
 
 // Direction of polygon k of a region laid out as polySizes says.
-void regionPolygonDirection(View1<const int> polySizes, View1<const XY> vertices, int k,
-                            bool& ccw, bool& status) {
+void regionPolygonDirection(View1<const int> polySizes, View1<const XY> vertices, int k, bool& ccw,
+                            bool& status) {
   int offset = 0;
   for (int i = 1; i < k; ++i) offset += polySizes(i);
   const int n = polySizes(k);
@@ -344,8 +346,8 @@ void IQPMSH(int maxVertices, int maxTriangles, View1<double> quality, int& numVe
   }
 
   MeshStatistics& statistics = lastMeshStatistics();
-  IQTRST(numTriangles, vertices, triangles, statistics.minimum, statistics.maximum,
-         statistics.mean, statistics.deviation, quality, status);
+  IQTRST(numTriangles, vertices, triangles, statistics.minimum, statistics.maximum, statistics.mean,
+         statistics.deviation, quality, status);
 }
 
 }  // namespace kntr::mesher

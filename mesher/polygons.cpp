@@ -26,8 +26,7 @@ Array1<int, MaxOrientPoints> identity;
 
 }  // namespace
 
-void IQPLDR(int n, View1<const int> indexList, View1<const XY> vertices, bool& ccw,
-            bool& status) {
+void IQPLDR(int n, View1<const int> indexList, View1<const XY> vertices, bool& ccw, bool& status) {
   status = false;
   ccw = false;
   if (n < 3) {
@@ -122,7 +121,8 @@ void SORTP2(int maxMembers, int numPolygons, int stride, View1<const int> polySi
       if (!assigned(i) && containerCount(i) == 0) exterior = i;
     }
     if (exterior == 0) break;
-    if (numGroups >= groupSizes.size() || numGroups * maxMembers + maxMembers > groupMembers.size()) {
+    if (numGroups >= groupSizes.size() ||
+        numGroups * maxMembers + maxMembers > groupMembers.size()) {
       fail("(SORTP2) Max internal number of polygons exceeded!", status);
       return;
     }

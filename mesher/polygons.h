@@ -25,8 +25,7 @@ inline constexpr double CrossHigh = 0.999999;
 // vertices(indexList(1..n)), by the sum of its turning angles. `ccw` is
 // true for a counterclockwise polygon. Fails for fewer than 3 or more than
 // MaxPolyPoints points, and for two coinciding edges in a row.
-void IQPLDR(int n, View1<const int> indexList, View1<const XY> vertices, bool& ccw,
-            bool& status);
+void IQPLDR(int n, View1<const int> indexList, View1<const XY> vertices, bool& ccw, bool& status);
 
 // IQPTIN: true when (x, y) lies inside the polygon vertices(indexList(1..n)),
 // by the sum of the angles under which its edges are seen.

@@ -19,9 +19,8 @@ void fail(std::string_view text, bool& status) {
 
 }  // namespace
 
-void MKVSAN(double rx, double ry, double separatorAngle, int top, View0<double> x,
-            View0<double> y, View0<int> label, int maxIndex, int& count, View0<double> theta,
-            bool& status) {
+void MKVSAN(double rx, double ry, double separatorAngle, int top, View0<double> x, View0<double> y,
+            View0<int> label, int maxIndex, int& count, View0<double> theta, bool& status) {
   status = false;
   count = 0;
   const double tol = meshTolerance();
@@ -102,8 +101,8 @@ void MKVSAN(double rx, double ry, double separatorAngle, int top, View0<double> 
   count = out;
 }
 
-void MKVONB(double rx, double ry, int last, View0<const double> x, View0<const double> y,
-            int& top, View0<int> stack, View0<double> cx, View0<double> cy, bool& status) {
+void MKVONB(double rx, double ry, int last, View0<const double> x, View0<const double> y, int& top,
+            View0<int> stack, View0<double> cx, View0<double> cy, bool& status) {
   status = false;
   const double tol = meshTolerance();
   top = 0;
@@ -269,8 +268,8 @@ void SLRFSP(const MeshData& m, double target, double rx, double ry, int count,
   }
 }
 
-void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& first,
-            int& second, bool& status) {
+void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& first, int& second,
+            bool& status) {
   status = false;
   first = 0;
   second = 0;
@@ -330,8 +329,8 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
   }
   View0<double> theta(realAux.data() + extra + room, room);
   int count = 0;
-  MKVSAN(r.x, r.y, m.SeparatorAngle, top, x, View0<double>(y.data(), room), label, room - 1,
-         count, theta, status);
+  MKVSAN(r.x, r.y, m.SeparatorAngle, top, x, View0<double>(y.data(), room), label, room - 1, count,
+         theta, status);
   if (status) return;
   for (int i = 0; i <= count; ++i) {
     const int l = label(i);
@@ -367,13 +366,12 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
   double best = 0.0;
   int pick1 = -1, pick2 = -1;
   SLRFSP(m, target, r.x, r.y, count, x, y, label, theta, std::max(numNeighbours, 0),
-         View0<const int>(neighbours.data() + from, count + 1 - from), cx, best, pick1,
-         pick2);
+         View0<const int>(neighbours.data() + from, count + 1 - from), cx, best, pick1, pick2);
   if (best < m.MinSeparatorAngle) {
     // Too narrow: try every candidate of the chain.
     for (int i = 1; i <= count - 1; ++i) neighbours(i - 1) = i;
-    SLRFSP(m, target, r.x, r.y, count, x, y, label, theta, std::max(count - 1, 0), neighbours, cx, best,
-           pick1, pick2);
+    SLRFSP(m, target, r.x, r.y, count, x, y, label, theta, std::max(count - 1, 0), neighbours, cx,
+           best, pick1, pick2);
   }
   if (pick1 < 0) {
     fail("(RSRFVX) Could not locate separator for reflex vertex!", status);

@@ -10,8 +10,8 @@
 #pragma once
 
 #include "framework/onebased.h"
-#include "mesher/workarea.h"
 #include "mesher/structure.h"
+#include "mesher/workarea.h"
 
 namespace kntr::mesher {
 
@@ -23,8 +23,8 @@ void RSRFAL(MeshData& m, View1<int> intAux, View1<double> realAux, bool& status)
 // RSRFVX: for the reflex corner at half-edge h, the half-edges `first` and
 // `second` at the far ends of one or two new edges (second is 0 for one
 // edge). A target inside a boundary edge is inserted there as a vertex.
-void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& first,
-            int& second, bool& status);
+void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& first, int& second,
+            bool& status);
 
 // MKVSAN: turn the visible chain (x, y, label)(0..top), seen from R, into the
 // candidate list: the chain is moved to the end of the room 0..maxIndex,
@@ -32,15 +32,14 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
 // 2 x separatorAngle or more gets points at even angular steps (labelled as
 // lying inside it), and theta(i) is the angle of point i from point 0.
 // `count` is the index of the last point.
-void MKVSAN(double rx, double ry, double separatorAngle, int top, View0<double> x,
-            View0<double> y, View0<int> label, int maxIndex, int& count, View0<double> theta,
-            bool& status);
+void MKVSAN(double rx, double ry, double separatorAngle, int top, View0<double> x, View0<double> y,
+            View0<int> label, int maxIndex, int& count, View0<double> theta, bool& status);
 
 // MKVONB: the indices among points 0..last (in angular order around R) of
 // those whose Voronoi region borders R's within the sector they span:
 // stack(0..top), top = -1 when none. cx, cy (0..last) are work space.
-void MKVONB(double rx, double ry, int last, View0<const double> x, View0<const double> y,
-            int& top, View0<int> stack, View0<double> cx, View0<double> cy, bool& status);
+void MKVONB(double rx, double ry, int last, View0<const double> x, View0<const double> y, int& top,
+            View0<int> stack, View0<double> cx, View0<double> cy, bool& status);
 
 // SLRFSP: among the candidates neighbours(0..numNeighbours - 1) (indices of
 // the points 0..count around the corner R, angles theta, labels as

@@ -15,8 +15,12 @@ void fail(std::string_view text, bool& status) {
   status = true;
 }
 
-double px(const VisibilityScan& v, int i) { return v.x(i); }
-double py(const VisibilityScan& v, int i) { return v.y(i); }
+double px(const VisibilityScan& v, int i) {
+  return v.x(i);
+}
+double py(const VisibilityScan& v, int i) {
+  return v.y(i);
+}
 
 // Side of chain point i relative to the directed line a -> b.
 int side(const VisibilityScan& v, int i, double ax, double ay, double bx, double by) {
@@ -136,12 +140,24 @@ void IQVSPG(double rx, double ry, int n, View0<double> x, View0<double> y, View0
       return;
     }
     switch (v.state) {
-      case ScanLeft: SCVPGL(v, status); break;
-      case ScanRight: SCVPGR(v, status); break;
-      case ScanBehind: SCVPG1(v, status); break;
-      case ScanEndHidden: SCVPG2(v, status); break;
-      case ScanTurned: SCVPG3(v, status); break;
-      default: SCVPG4(v, status); break;
+      case ScanLeft:
+        SCVPGL(v, status);
+        break;
+      case ScanRight:
+        SCVPGR(v, status);
+        break;
+      case ScanBehind:
+        SCVPG1(v, status);
+        break;
+      case ScanEndHidden:
+        SCVPG2(v, status);
+        break;
+      case ScanTurned:
+        SCVPG3(v, status);
+        break;
+      default:
+        SCVPG4(v, status);
+        break;
     }
     if (status) return;
   }
@@ -171,8 +187,8 @@ void SCVPGL(VisibilityScan& v, bool& status) {
     // Has the stack turned past the ray through the chain's end?
     if (v.open || v.s >= 3) {
       double ux = 0.0, uy = 0.0;
-      if (meet(true, v.rx, v.ry, px(v, v.n), py(v, v.n), px(v, v.s - 1), py(v, v.s - 1),
-               px(v, v.s), py(v, v.s), ux, uy)) {
+      if (meet(true, v.rx, v.ry, px(v, v.n), py(v, v.n), px(v, v.s - 1), py(v, v.s - 1), px(v, v.s),
+               py(v, v.s), ux, uy)) {
         v.state = ScanEndHidden;
         v.wx = px(v, v.c);
         v.wy = py(v, v.c);
@@ -257,8 +273,8 @@ void SCVPGR(VisibilityScan& v, bool& status) {
         }
       } else {
         double ux = 0.0, uy = 0.0;
-        if (meet(false, prevX, prevY, px(v, v.c), py(v, v.c), px(v, k - 1), py(v, k - 1),
-                 px(v, k), py(v, k), ux, uy)) {
+        if (meet(false, prevX, prevY, px(v, v.c), py(v, v.c), px(v, k - 1), py(v, k - 1), px(v, k),
+                 py(v, k), ux, uy)) {
           v.wx = ux;
           v.wy = uy;
           outcome = 3;
@@ -279,8 +295,8 @@ void SCVPGR(VisibilityScan& v, bool& status) {
     if (outcome == 1) {
       // Cut the stack top at the ray through the current point.
       double ux = 0.0, uy = 0.0;
-      if (meet(true, v.rx, v.ry, px(v, v.c), py(v, v.c), px(v, v.s - 1), py(v, v.s - 1),
-               px(v, v.s), py(v, v.s), ux, uy)) {
+      if (meet(true, v.rx, v.ry, px(v, v.c), py(v, v.c), px(v, v.s - 1), py(v, v.s - 1), px(v, v.s),
+               py(v, v.s), ux, uy)) {
         v.x(v.s) = ux;
         v.y(v.s) = uy;
         v.label(v.s) = -std::abs(v.label(v.s));
@@ -509,8 +525,8 @@ void SCVPG3(VisibilityScan& v, bool& status) {
       return;
     }
     double ux = 0.0, uy = 0.0;
-    if (meet(false, qx, qy, px(v, v.s), py(v, v.s), px(v, k), py(v, k), px(v, k + 1),
-             py(v, k + 1), ux, uy) &&
+    if (meet(false, qx, qy, px(v, v.s), py(v, v.s), px(v, k), py(v, k), px(v, k + 1), py(v, k + 1),
+             ux, uy) &&
         side(v, k + 1, v.rx, v.ry, qx, qy) == 1) {
       v.state = ScanRight;
       v.c = k + 1;

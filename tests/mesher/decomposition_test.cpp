@@ -40,7 +40,8 @@ double largestCorner(const MeshData& m) {
 double smallestNewCorner(const MeshData& m, int inputHalfEdges) {
   double smallest = 2 * Pi;
   for (int h = 1; h <= m.NumHalfEdges; ++h) {
-    if (h > inputHalfEdges || m.HalfEdge(h).Twin != 0) smallest = std::min(smallest, m.CornerAngle(h));
+    if (h > inputHalfEdges || m.HalfEdge(h).Twin != 0)
+      smallest = std::min(smallest, m.CornerAngle(h));
   }
   return smallest;
 }
@@ -102,12 +103,12 @@ TEST_F(MesherTest, HolesSideBySideAtTheSameHeight) {
 // The boundary has vertices at the level of the hole's top on both sides;
 // they are found inside the level band and bound the part above.
 TEST_F(MesherTest, HoleTopLevelWithBoundaryVertices) {
-  const TestRegion region{{{{0, 0}, {10, 0}, {10, 5}, {10, 10}, {0, 10}, {0, 5}},
-                           {{5, 3}, {6, 4}, {5, 5}, {4, 4}}}};
+  const TestRegion region{
+      {{{0, 0}, {10, 0}, {10, 5}, {10, 10}, {0, 10}, {0, 5}}, {{5, 3}, {6, 4}, {5, 5}, {4, 4}}}};
   expectSoundDecomposition(region);
   // A boundary with a corner at the level.
-  const TestRegion notch{{{{0, 0}, {10, 0}, {10, 10}, {8, 5}, {6, 10}, {0, 10}},
-                          {{3, 3}, {4, 4}, {3, 5}, {2, 4}}}};
+  const TestRegion notch{
+      {{{0, 0}, {10, 0}, {10, 10}, {8, 5}, {6, 10}, {0, 10}}, {{3, 3}, {4, 4}, {3, 5}, {2, 4}}}};
   expectSoundDecomposition(notch);
 }
 
@@ -176,12 +177,12 @@ TEST_F(MesherTest, ShipSectionOfThreeHundredPoints) {
 TEST_F(MesherTest, ThreeHundredFiftyDegreeCorner) {
   const double half = 5.0 * Pi / 180.0;
   const double mouth = 5.0 * std::tan(half);
-  const TestRegion region{{{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5},
-                            {5 - mouth, 10}, {0, 10}}}};
+  const TestRegion region{
+      {{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5}, {5 - mouth, 10}, {0, 10}}}};
   ASSERT_TRUE(testing::decomposeRegion(region));
   const MeshData& m = meshData();
-  const auto problems = testing::checkDecomposition(m, testing::regionArea(region),
-                                                    testing::boundaryLength(region));
+  const auto problems =
+      testing::checkDecomposition(m, testing::regionArea(region), testing::boundaryLength(region));
   EXPECT_TRUE(problems.empty()) << testing::joined(problems);
   EXPECT_EQ(m.NumPolygons, 2);
   int inner = 0;
@@ -203,8 +204,8 @@ TEST_F(MesherTest, ThreeHundredFiftyDegreeCorner) {
 TEST_F(MesherTest, DeepCornerOverANarrowVTakesTwoEdges) {
   const double half = 5.0 * Pi / 180.0;
   const double mouth = 5.0 * std::tan(half);
-  const TestRegion region{{{{0, 0}, {5, -100}, {10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5},
-                            {5 - mouth, 10}, {0, 10}}}};
+  const TestRegion region{
+      {{{0, 0}, {5, -100}, {10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5}, {5 - mouth, 10}, {0, 10}}}};
   expectSoundDecomposition(region);
   const MeshData& m = meshData();
   int atTip = 0;

@@ -1,11 +1,12 @@
 // Plane geometry helpers and the two half-edge edits.
+#include "mesher/halfedge.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
 
 #include "mesher/boundary.h"
-#include "mesher/halfedge.h"
 #include "support/mesh_checker.h"
 #include "support/mesh_runner.h"
 #include "support/mesh_shapes.h"
@@ -37,9 +38,9 @@ TEST(Iqangl, MeasuresCounterclockwiseFromTheSecondRayToTheFirst) {
 }
 
 TEST(Iqside, TellsRightLeftAndOnWithAToleranceLinearInTheLengths) {
-  EXPECT_EQ(IQSIDE(0.5, -1, 0, 0, 1, 0, 0), 1);   // below a rightward line: right
+  EXPECT_EQ(IQSIDE(0.5, -1, 0, 0, 1, 0, 0), 1);  // below a rightward line: right
   EXPECT_EQ(IQSIDE(0.5, 1, 0, 0, 1, 0, 0), -1);
-  EXPECT_EQ(IQSIDE(7, 0, 0, 0, 1, 0, 0), 0);      // on the line beyond b
+  EXPECT_EQ(IQSIDE(7, 0, 0, 0, 1, 0, 0), 0);  // on the line beyond b
   // The value is the cross product (length times distance); the band is
   // MeshTol times the largest component, so its width does not grow with
   // the line's length.

@@ -1,10 +1,11 @@
 // Direction, containment, nesting and self-crossing of boundary polygons.
+#include "mesher/polygons.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "mesher/limits.h"
-#include "mesher/polygons.h"
 #include "support/mesh_runner.h"
 #include "support/mesh_shapes.h"
 
@@ -27,14 +28,23 @@ struct PolygonSet {
     for (const auto& p : polygons) {
       sizes.push_back(static_cast<int>(p.size()));
       const int first = static_cast<int>(points.size());
-      for (int j = 0; j < stride; ++j) lists.push_back(first + 1 + std::min(j, static_cast<int>(p.size()) - 1));
+      for (int j = 0; j < stride; ++j)
+        lists.push_back(first + 1 + std::min(j, static_cast<int>(p.size()) - 1));
       points.insert(points.end(), p.begin(), p.end());
     }
   }
-  View1<const XY> vertices() const { return View1<const XY>(points.data(), static_cast<int>(points.size())); }
-  View1<const int> list(int k) const { return View1<const int>(lists.data() + (k - 1) * stride, stride); }
-  View1<const int> allLists() const { return View1<const int>(lists.data(), static_cast<int>(lists.size())); }
-  View1<const int> allSizes() const { return View1<const int>(sizes.data(), static_cast<int>(sizes.size())); }
+  View1<const XY> vertices() const {
+    return View1<const XY>(points.data(), static_cast<int>(points.size()));
+  }
+  View1<const int> list(int k) const {
+    return View1<const int>(lists.data() + (k - 1) * stride, stride);
+  }
+  View1<const int> allLists() const {
+    return View1<const int>(lists.data(), static_cast<int>(lists.size()));
+  }
+  View1<const int> allSizes() const {
+    return View1<const int>(sizes.data(), static_cast<int>(sizes.size()));
+  }
 };
 
 bool counterclockwise(const shapes::Polygon& p, bool& status) {
@@ -60,8 +70,9 @@ TEST_F(MesherTest, IqpldrRefusesTooFewOrTooManyPoints) {
   bool status = false;
   counterclockwise({{0, 0}, {1, 0}}, status);
   EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(IQPLDR) Cannot establish polygon direction for a single point or line!"),
-            std::string::npos);
+  EXPECT_NE(
+      output().find("(IQPLDR) Cannot establish polygon direction for a single point or line!"),
+      std::string::npos);
   counterclockwise(shapes::circle(0, 0, 1, MaxPolyPoints + 1), status);
   EXPECT_TRUE(status);
   EXPECT_NE(output().find("(IQPLDR) Max internal number of polygon points exceeded!"),
@@ -108,8 +119,8 @@ Groups sortPolygons(const std::vector<shapes::Polygon>& polygons, bool& status) 
   Array1<int, MaxHoles> sizes;
   Array1<int, MaxHoles * MaxHoles> members;
   Groups groups;
-  SORTP2(MaxHoles, static_cast<int>(polygons.size()), set.stride, set.allSizes(),
-         set.allLists(), set.vertices(), groups.count, sizes, members, status);
+  SORTP2(MaxHoles, static_cast<int>(polygons.size()), set.stride, set.allSizes(), set.allLists(),
+         set.vertices(), groups.count, sizes, members, status);
   for (int g = 1; g <= groups.count; ++g) {
     std::vector<int> list;
     for (int k = 1; k <= sizes(g); ++k) list.push_back(members((g - 1) * MaxHoles + k));
@@ -122,9 +133,9 @@ Groups sortPolygons(const std::vector<shapes::Polygon>& polygons, bool& status) 
 // hole, and the circle on its own, found in the second pass.
 TEST_F(MesherTest, Sortp2NestsCircleRingAndSquare) {
   bool status = true;
-  const Groups groups = sortPolygons({shapes::circle(0, 0, 1, 32), shapes::circle(0, 0, 3, 48),
-                                      shapes::rectangle(-5, -5, 5, 5)},
-                                     status);
+  const Groups groups = sortPolygons(
+      {shapes::circle(0, 0, 1, 32), shapes::circle(0, 0, 3, 48), shapes::rectangle(-5, -5, 5, 5)},
+      status);
   EXPECT_FALSE(status);
   ASSERT_EQ(groups.count, 2);
   EXPECT_EQ(groups.members[0], (std::vector<int>{3, 2}));
@@ -133,11 +144,11 @@ TEST_F(MesherTest, Sortp2NestsCircleRingAndSquare) {
 
 TEST_F(MesherTest, Sortp2GivesEachHoleToItsExteriorInPolygonOrder) {
   bool status = true;
-  const Groups groups = sortPolygons(
-      {shapes::rectangle(20, 0, 30, 10), shapes::rectangle(1, 1, 2, 2),
-       shapes::rectangle(0, 0, 10, 10), shapes::rectangle(22, 2, 24, 4),
-       shapes::rectangle(5, 5, 6, 6)},
-      status);
+  const Groups groups =
+      sortPolygons({shapes::rectangle(20, 0, 30, 10), shapes::rectangle(1, 1, 2, 2),
+                    shapes::rectangle(0, 0, 10, 10), shapes::rectangle(22, 2, 24, 4),
+                    shapes::rectangle(5, 5, 6, 6)},
+                   status);
   EXPECT_FALSE(status);
   ASSERT_EQ(groups.count, 2);
   EXPECT_EQ(groups.members[0], (std::vector<int>{1, 4}));
@@ -161,7 +172,8 @@ TEST_F(MesherTest, Sortp2TakesTouchingPolygonsWithoutMessage) {
 
 TEST_F(MesherTest, Sortp2RefusesMoreThanItsPolygons) {
   std::vector<shapes::Polygon> many;
-  for (int i = 0; i <= MaxSortPolygons; ++i) many.push_back(shapes::rectangle(3 * i, 0, 3 * i + 1, 1));
+  for (int i = 0; i <= MaxSortPolygons; ++i)
+    many.push_back(shapes::rectangle(3 * i, 0, 3 * i + 1, 1));
   bool status = false;
   PolygonSet set(many);
   int groups = 0;

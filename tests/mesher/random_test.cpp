@@ -80,14 +80,16 @@ TEST_F(MesherTest, RandomRegionsDecomposeOrFailWithAMessage) {
   int decomposed = 0;
   std::map<std::string, int> failures;
   std::string last;
-  runRandomRegions(1000u, std::getenv("KNTR_SOAK") ? 20000 : 300, false, false, decomposed, failures, last, [this] { return output(); });
+  const int cases = std::getenv("KNTR_SOAK") ? 20000 : 300;
+  runRandomRegions(1000u, cases, false, false, decomposed, failures, last,
+                   [this] { return output(); });
   for (const auto& [message, count] : failures) {
     std::printf("  %d x %s\n", count, message.c_str());
   }
-  std::printf("  %d of 300 random regions decomposed\n", decomposed);
+  std::printf("  %d of %d random regions decomposed\n", decomposed, cases);
   // Regions in general position with holes kept clear of everything are
   // proper input: all of them must go through.
-  EXPECT_EQ(decomposed, 300);
+  EXPECT_EQ(decomposed, cases);
 }
 
 // On a coarse grid many points stand level with one another and edges run
@@ -96,12 +98,14 @@ TEST_F(MesherTest, RandomGridRegionsDecomposeOrFailWithAMessage) {
   int decomposed = 0;
   std::map<std::string, int> failures;
   std::string last;
-  runRandomRegions(5000u, std::getenv("KNTR_SOAK") ? 20000 : 200, true, false, decomposed, failures, last, [this] { return output(); });
+  const int cases = std::getenv("KNTR_SOAK") ? 20000 : 200;
+  runRandomRegions(5000u, cases, true, false, decomposed, failures, last,
+                   [this] { return output(); });
   for (const auto& [message, count] : failures) {
     std::printf("  %d x %s\n", count, message.c_str());
   }
-  std::printf("  %d of 200 random grid regions decomposed\n", decomposed);
-  EXPECT_GE(decomposed, 190);
+  std::printf("  %d of %d random grid regions decomposed\n", decomposed, cases);
+  EXPECT_GE(decomposed, cases * 95 / 100);
 }
 
 // Ragged exteriors with deep pockets, on and off the grid.
@@ -110,8 +114,10 @@ TEST_F(MesherTest, RandomRaggedRegionsDecomposeOrFailWithAMessage) {
   std::map<std::string, int> failures;
   std::string last;
   const int cases = std::getenv("KNTR_SOAK") ? 20000 : 150;
-  runRandomRegions(9000u, cases, false, true, decomposed, failures, last, [this] { return output(); });
-  runRandomRegions(13000u, cases, true, true, decomposed, failures, last, [this] { return output(); });
+  runRandomRegions(9000u, cases, false, true, decomposed, failures, last,
+                   [this] { return output(); });
+  runRandomRegions(13000u, cases, true, true, decomposed, failures, last,
+                   [this] { return output(); });
   for (const auto& [message, count] : failures) {
     std::printf("  %d x %s\n", count, message.c_str());
   }

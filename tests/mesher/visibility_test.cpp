@@ -1,5 +1,7 @@
 // The visibility scan against a direct test of every sight line, and the
 // steps after it: angular candidates, Voronoi neighbours, separators.
+#include "mesher/visibility.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,7 +13,6 @@
 #include "mesher/halfedge.h"
 #include "mesher/limits.h"
 #include "mesher/reflex.h"
-#include "mesher/visibility.h"
 #include "support/mesh_runner.h"
 #include "support/mesh_shapes.h"
 
@@ -21,7 +22,9 @@ namespace {
 using testing::MesherTest;
 namespace shapes = testing::shapes;
 
-double cross(XY o, XY a, XY b) { return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x); }
+double cross(XY o, XY a, XY b) {
+  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
 
 bool properCross(XY a, XY b, XY c, XY d) {
   const double d1 = cross(a, b, c), d2 = cross(a, b, d);
@@ -66,7 +69,8 @@ bool seen(const shapes::Polygon& poly, XY q, int skipEdge, bool grazing) {
       continue;
     }
     if (properCross(r, q, a, b)) return false;
-    if (std::fabs(cross(r, q, a)) < 1e-12 && (a.x - r.x) * (q.x - a.x) + (a.y - r.y) * (q.y - a.y) > 0) {
+    if (std::fabs(cross(r, q, a)) < 1e-12 &&
+        (a.x - r.x) * (q.x - a.x) + (a.y - r.y) * (q.y - a.y) > 0) {
       return false;
     }
   }
@@ -88,8 +92,8 @@ Scan scanFrom(const shapes::Polygon& poly, bool& status) {
     s.y.push_back(poly[i].y);
   }
   s.label.assign(s.x.size(), 0);
-  IQVSPG(poly[0].x, poly[0].y, n, View0<double>(s.x.data(), n + 1), View0<double>(s.y.data(), n + 1),
-         View0<int>(s.label.data(), n + 1), s.top, status);
+  IQVSPG(poly[0].x, poly[0].y, n, View0<double>(s.x.data(), n + 1),
+         View0<double>(s.y.data(), n + 1), View0<int>(s.label.data(), n + 1), s.top, status);
   return s;
 }
 
@@ -121,7 +125,8 @@ void expectScanMatchesSightLines(const shapes::Polygon& poly, const std::string&
       // On the inside of the edge from chain point -l - 1 to -l.
       const XY a = poly[-l], b = poly[-l + 1];
       EXPECT_NEAR(cross(a, b, p) / std::hypot(b.x - a.x, b.y - a.y), 0.0, 1e-9) << what;
-      EXPECT_TRUE(seen(poly, p, -l, true)) << what << " edge point " << i << " (" << p.x << ", " << p.y << ") label " << l;
+      EXPECT_TRUE(seen(poly, p, -l, true))
+          << what << " edge point " << i << " (" << p.x << ", " << p.y << ") label " << l;
     }
     // Counterclockwise around R, never turning back.
     double at = turn(first, {p.x - r.x, p.y - r.y});
@@ -160,8 +165,8 @@ TEST_F(MesherTest, IqvspgMatchesSightLinesOnRandomPolygons) {
     for (int k = 0; k < n; ++k) {
       const XY a = p[(k + n - 1) % n], b = p[k], c = p[(k + 1) % n];
       if (IQANGL(a.x, a.y, b.x, b.y, c.x, c.y) <= Pi) continue;
-      expectScanMatchesSightLines(from(p, k), "trial " + std::to_string(trial) + " corner " +
-                                                  std::to_string(k));
+      expectScanMatchesSightLines(
+          from(p, k), "trial " + std::to_string(trial) + " corner " + std::to_string(k));
       ++scans;
     }
   }

@@ -88,8 +88,8 @@ std::vector<std::string> checkDecomposition(const MeshData& m, double area, doub
   std::vector<int> pointedTo(nh + 1, 0);
   for (int e = 1; e <= nh; ++e) {
     const auto& row = he(e);
-    if (row.Vertex < 1 || row.Vertex > nv || row.Polygon < 1 || row.Polygon > np ||
-        row.Next < 1 || row.Next > nh || row.Twin < 0 || row.Twin > nh) {
+    if (row.Vertex < 1 || row.Vertex > nv || row.Polygon < 1 || row.Polygon > np || row.Next < 1 ||
+        row.Next > nh || row.Twin < 0 || row.Twin > nh) {
       report("half-edge " + std::to_string(e) + " has a field out of range");
       return problems;
     }
@@ -143,8 +143,8 @@ std::vector<std::string> checkDecomposition(const MeshData& m, double area, doub
       twice += a.x * b.y - b.x * a.y;
       for (int j = i + 1; j < n && convex; ++j) {
         if (m.Vertices(he(cycle[j]).Vertex) == a) {
-          report("polygon " + std::to_string(p) + " passes twice through (" +
-                 std::to_string(a.x) + ", " + std::to_string(a.y) + ")");
+          report("polygon " + std::to_string(p) + " passes twice through (" + std::to_string(a.x) +
+                 ", " + std::to_string(a.y) + ")");
         }
       }
     }
@@ -203,8 +203,7 @@ std::vector<std::string> checkDecomposition(const MeshData& m, double area, doub
   return problems;
 }
 
-std::vector<std::string> checkTriangles(int numVertices, View1<const XY> vertices,
-                                        int numTriangles,
+std::vector<std::string> checkTriangles(int numVertices, View1<const XY> vertices, int numTriangles,
                                         View1<const mesher::Triangle> triangles, double area,
                                         double length) {
   std::vector<std::string> problems;
@@ -242,8 +241,7 @@ std::vector<std::string> checkTriangles(int numVertices, View1<const XY> vertice
     boundary += std::hypot(b.x - a.x, b.y - a.y);
   }
   if (!near(areaSum, area, 1e-9)) {
-    report("triangle areas add up to " + std::to_string(areaSum) + ", not " +
-           std::to_string(area));
+    report("triangle areas add up to " + std::to_string(areaSum) + ", not " + std::to_string(area));
   }
   if (!near(boundary, length, 1e-9)) {
     report("edges of one triangle add up to " + std::to_string(boundary) + ", not " +

@@ -43,16 +43,16 @@ int layOut(const TestRegion& region, View1<XY> vertices, View1<int> sizes);
 // - the stored corner angles agree with the geometry;
 // - the polygon areas add up to `area` and the half-edges without twin to
 //   the boundary length `length`.
-std::vector<std::string> checkDecomposition(const mesher::MeshData& m, double area,
-                                            double length, bool convex = true);
+std::vector<std::string> checkDecomposition(const mesher::MeshData& m, double area, double length,
+                                            bool convex = true);
 
 // Checks of a triangle list: vertex numbers in range and distinct, every
 // triangle counterclockwise with positive area, no directed edge used twice,
 // areas adding up to `area`, and the edges used by one triangle only adding
 // up to the boundary length `length`.
-std::vector<std::string> checkTriangles(int numVertices, View1<const XY> vertices,
-                                        int numTriangles, View1<const mesher::Triangle> triangles,
-                                        double area, double length);
+std::vector<std::string> checkTriangles(int numVertices, View1<const XY> vertices, int numTriangles,
+                                        View1<const mesher::Triangle> triangles, double area,
+                                        double length);
 
 // All problems as one text, for a test's failure message.
 std::string joined(const std::vector<std::string>& problems);

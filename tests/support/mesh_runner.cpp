@@ -12,7 +12,9 @@ Array1<XY, TestVertexRoom> vertexStore;
 Array1<int, mesher::MaxHoles + 200> sizeStore;
 }  // namespace
 
-View1<XY> testVertices() { return View1<XY>(vertexStore); }
+View1<XY> testVertices() {
+  return View1<XY>(vertexStore);
+}
 
 bool decomposeRegion(const TestRegion& region) {
   mesher::MeshData& m = mesher::meshData();

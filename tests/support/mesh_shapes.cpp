@@ -8,7 +8,9 @@ namespace kntr::testing::shapes {
 namespace {
 constexpr double pi = 3.141592653589793;
 
-double cross(XY o, XY a, XY b) { return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x); }
+double cross(XY o, XY a, XY b) {
+  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
 
 // Closed segments ab and cd share a point.
 bool segmentsMeet(XY a, XY b, XY c, XY d) {
@@ -93,8 +95,8 @@ Polygon shipSection(int n) {
   // lower part is hollow (reflex corners) and the upper part full.
   for (int i = 0; i < side; ++i) {
     const double t = static_cast<double>(i) / side;
-    p.push_back({halfBreadth * (3 * t * t - 2 * t * t * t) + 0.05 * std::sin(5 * pi * t),
-                 depth * t});
+    p.push_back(
+        {halfBreadth * (3 * t * t - 2 * t * t * t) + 0.05 * std::sin(5 * pi * t), depth * t});
   }
   // The deck, cambered, from starboard to port.
   for (int i = 0; i < deck; ++i) {
@@ -104,8 +106,8 @@ Polygon shipSection(int n) {
   // Port side, deck down to the keel.
   for (int i = side; i > 0; --i) {
     const double t = static_cast<double>(i) / side;
-    p.push_back({-(halfBreadth * (3 * t * t - 2 * t * t * t) + 0.05 * std::sin(5 * pi * t)),
-                 depth * t});
+    p.push_back(
+        {-(halfBreadth * (3 * t * t - 2 * t * t * t) + 0.05 * std::sin(5 * pi * t)), depth * t});
   }
   while (static_cast<int>(p.size()) < n) {
     // Fill up with points on the flat keel line near the keel.
@@ -115,7 +117,9 @@ Polygon shipSection(int n) {
   return p;
 }
 
-Polygon reversed(const Polygon& p) { return Polygon(p.rbegin(), p.rend()); }
+Polygon reversed(const Polygon& p) {
+  return Polygon(p.rbegin(), p.rend());
+}
 
 Polygon moved(const Polygon& p, double dx, double dy) {
   Polygon q = p;
@@ -223,8 +227,9 @@ TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid, bool tang
   };
   for (;;) {
     TestRegion region;
-    region.polygons.push_back(snap(tangled ? randomTangle(random, 0.0, 0.0, 10.0, corners(random))
-                                           : randomStar(random, 0.0, 0.0, 4.0, 10.0, corners(random))));
+    region.polygons.push_back(snap(tangled
+                                       ? randomTangle(random, 0.0, 0.0, 10.0, corners(random))
+                                       : randomStar(random, 0.0, 0.0, 4.0, 10.0, corners(random))));
     if (region.polygons[0].size() < 3 || !isSimpleRegion(region)) continue;
     const int holes = std::uniform_int_distribution<int>(0, maxHoles)(random);
     for (int tries = 0; tries < 50 && static_cast<int>(region.polygons.size()) <= holes; ++tries) {
@@ -243,7 +248,8 @@ TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid, bool tang
       }
       if (!clear) continue;
       TestRegion trial = region;
-      trial.polygons.push_back(snap(randomStar(random, c.x, c.y, 0.4 * r, r, corners(random) / 2 + 3)));
+      trial.polygons.push_back(
+          snap(randomStar(random, c.x, c.y, 0.4 * r, r, corners(random) / 2 + 3)));
       if (trial.polygons.back().size() < 3 || !isSimpleRegion(trial)) continue;
       region = trial;
     }

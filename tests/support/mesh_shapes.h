@@ -39,11 +39,10 @@ Polygon randomStar(std::mt19937& random, double cx, double cy, double rMin, doub
 // ragged shapes with deep pockets.
 Polygon randomTangle(std::mt19937& random, double cx, double cy, double r, int n);
 
-// A random region: a star-shaped (or, with `tangled`, a ragged) exterior and up to maxHoles star-shaped
-// holes placed where they keep clear of the exterior and of each other.
-// With `grid` the coordinates are rounded to a coarse grid, which makes many
-// points level with one another (polygons that would stop being simple are
-// drawn again).
+// A random region: a star-shaped (or, with `tangled`, a ragged) exterior and up to maxHoles
+// star-shaped holes placed where they keep clear of the exterior and of each other. With `grid` the
+// coordinates are rounded to a coarse grid, which makes many points level with one another
+// (polygons that would stop being simple are drawn again).
 TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid, bool tangled = false);
 
 // True when no two edges of the region's polygons meet other than
