@@ -256,6 +256,95 @@ TEST_F(MesherTest, HoleTouchingTheBoundaryFailsWithAMessage) {
       << messages[0];
 }
 
+// Tops sorted from the highest down (ties: the larger x first), bottoms from
+// the lowest up (ties: the smaller x first).
+TEST_F(MesherTest, IqhltbSortsTheHoleTopsAndBottoms) {
+  const TestRegion region{
+      {shapes::rectangle(0, 0, 30, 30),
+       shapes::rectangle(2, 2, 4, 10),      // hole 1: top (4, 10), bottom (2, 2)
+       shapes::rectangle(10, 5, 12, 20),    // hole 2: top (12, 20), bottom (10, 5)
+       shapes::rectangle(20, 2, 22, 20)}};  // hole 3: top (22, 20), bottom (20, 2)
+  MeshData& m = meshData();
+  Array1<int, 4> sizes;
+  m.Vertices = testing::testVertices();
+  testing::layOut(region, m.Vertices, sizes);
+  View1<int> holeList(m.IntAux.data(), 6);
+  bool status = true;
+  IZMCPR(m, 3, sizes, holeList, status);
+  ASSERT_FALSE(status);
+  const XY expected[] = {{22, 20}, {12, 20}, {4, 10}, {2, 2}, {20, 2}, {10, 5}};
+  for (int i = 1; i <= 6; ++i) {
+    EXPECT_EQ(m.Vertices(m.HalfEdge(holeList(i)).Vertex), expected[i - 1]) << i;
+  }
+  // Each hole is walked against its stored order, so the region is on the
+  // left: the hole loops run clockwise.
+  for (int k = 1; k <= 3; ++k) {
+    const int first = m.PolygonFirst(1 + k);
+    double twice = 0.0;
+    int h = first;
+    do {
+      const XY a = m.Vertices(m.HalfEdge(h).Vertex);
+      const XY b = m.Vertices(m.HalfEdge(m.HalfEdge(h).Next).Vertex);
+      twice += a.x * b.y - b.x * a.y;
+      EXPECT_NEAR(m.CornerAngle(h), 1.5 * Pi, 1e-15);  // the region wraps each corner
+      h = m.HalfEdge(h).Next;
+    } while (h != first);
+    EXPECT_LT(twice, 0.0);
+  }
+}
+
+TEST_F(MesherTest, RsrfvxChecksItsRoom) {
+  const TestRegion region{{shapes::comb(10)}};
+  MeshData& m = meshData();
+  Array1<int, 1> sizes;
+  m.Vertices = testing::testVertices();
+  testing::layOut(region, m.Vertices, sizes);
+  bool status = true;
+  IZMCPR(m, 0, sizes, View1<int>(m.IntAux.data(), 0), status);
+  ASSERT_FALSE(status);
+  int reflex = 0;
+  for (int h = 1; h <= m.NumHalfEdges && reflex == 0; ++h) {
+    if (m.CornerAngle(h) > Pi + m.MeshTol) reflex = h;
+  }
+  ASSERT_GT(reflex, 0);
+  // 37 other corners and 270 degrees: 9 + 37 = 46 places, so 83 integers
+  // and 92 reals.
+  int first = 0, second = 0;
+  RSRFVX(m, reflex, View1<int>(m.IntAux.data(), 82), View1<double>(m.RealAux), first, second,
+         status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(RSRFVX) Attempt to overflow integer auxiliary vector!"),
+            std::string::npos);
+  RSRFVX(m, reflex, View1<int>(m.IntAux), View1<double>(m.RealAux.data(), 91), first, second,
+         status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(RSRFVX) Attempt to overflow double precision auxiliary vector!"),
+            std::string::npos);
+  RSRFVX(m, reflex, View1<int>(m.IntAux), View1<double>(m.RealAux), first, second, status);
+  EXPECT_FALSE(status) << output();
+  EXPECT_GT(first, 0);
+}
+
+TEST_F(MesherTest, JnhbobChecksTheRoomForItsPoints) {
+  const TestRegion region{{shapes::rectangle(0, 0, 10, 10), shapes::rectangle(4, 4, 6, 6)}};
+  MeshData& m = meshData();
+  Array1<int, 2> sizes;
+  testing::layOut(region, testing::testVertices(), sizes);
+  m.Vertices = View1<XY>(testing::testVertices().data(), 10);  // 8 used, 3 wanted
+  View1<int> holeList(m.IntAux.data(), 2);
+  bool status = true;
+  IZMCPR(m, 1, sizes, holeList, status);
+  ASSERT_FALSE(status);
+  JNHBOB(m, holeList(1), View1<int>(m.IntAux).from(3), View1<double>(m.RealAux), status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(JNHBOB) Max number of vertices exceeded!"), std::string::npos);
+  m.Vertices = testing::testVertices();
+  m.NumHalfEdges = MaxHalfEdges - 4;
+  JNHBOB(m, holeList(1), View1<int>(m.IntAux).from(3), View1<double>(m.RealAux), status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(JNHBOB) Max number of polygon vertices exceeded!"), std::string::npos);
+}
+
 TEST_F(MesherTest, IzmcprRefusesTooManyBoundaryPoints) {
   MeshData& m = meshData();
   m.Vertices = testing::testVertices();
