@@ -1,8 +1,9 @@
 #include "mesher/driver.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <string>
+#include <string_view>
 
 #include "framework/format.h"
 #include "framework/text.h"
@@ -25,6 +26,19 @@ void fail(std::string_view text, bool& status) {
   framework::ERRSCN(text);
   status = true;
 }
+
+// A notice put together in fixed storage; its short number fields fit the
+// strings' own small buffers, so nothing is allocated.
+struct NoticeLine {
+  std::array<char, 96> text{};
+  std::size_t length = 0;
+  void add(std::string_view piece) {
+    const std::size_t n = std::min(piece.size(), text.size() - length);
+    std::copy_n(piece.data(), n, text.data() + length);
+    length += n;
+  }
+  std::string_view view() const { return std::string_view(text.data(), length); }
+};
 
 // A count from a real value, cut toward zero; values beyond the integers
 // (an infinite or undefined quotient) are held at the ends of the range.
@@ -102,11 +116,11 @@ void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVerti
       regionPolygonDirection(polySizes, vertices, k, ccw, status);
       if (status) return;
       if (!ccw) {
-        fail(std::string(k == 1 ? "(TRNSM2) Encountered exterior boundary polygon with "
-                                  "clockwise orientation!{nwl"
-                                : "(TRNSM2) Encountered interior boundary polygon with "
-                                  "clockwise orientation!{nwl") +
-                 "(All boundary polygons must be counterclockwise " + "oriented)",
+        // The text, a line break, and the advice: one message.
+        fail(k == 1 ? "(TRNSM2) Encountered exterior boundary polygon with clockwise "
+                      "orientation!{nwl(All boundary polygons must be counterclockwise oriented)"
+                    : "(TRNSM2) Encountered interior boundary polygon with clockwise "
+                      "orientation!{nwl(All boundary polygons must be counterclockwise oriented)",
              status);
         return;
       }
@@ -238,9 +252,17 @@ void TRASM2(int maxIterations, double requiredQuality, int numHoles, View1<const
     previousActual = actual;
     previousQuality = quality;
 
-    framework::PUTSCN("Iteration " + fmt::I(iterations, 2) + "/" + fmt::I(maxIterations, 2) +
-                      ", quality = " + fmt::F(quality, 5, 3) + " with " + fmt::I(actual, 5) +
-                      " triangles.");
+    NoticeLine notice;
+    notice.add("Iteration ");
+    notice.add(fmt::I(iterations, 2));
+    notice.add("/");
+    notice.add(fmt::I(maxIterations, 2));
+    notice.add(", quality = ");
+    notice.add(fmt::F(quality, 5, 3));
+    notice.add(" with ");
+    notice.add(fmt::I(actual, 5));
+    notice.add(" triangles.");
+    framework::PUTSCN(notice.view());
     if (iterations >= maxIterations) return;
   }
 }
