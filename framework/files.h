@@ -47,6 +47,8 @@ class TextReader {
   // Lines read so far.
   int lineNumber() const { return lineNumber_; }
   bool isOpen() const { return file_ != nullptr; }
+  // The unit the file is connected to (0 before the first open).
+  int unit() const { return unit_; }
   int close();
 
  private:
@@ -75,6 +77,8 @@ class AtomicWriter {
   // Throws the new version away.
   void abandon();
   bool isOpen() const { return file_ != nullptr; }
+  // The unit the file is connected to (0 before the first open).
+  int unit() const { return unit_; }
 
  private:
   std::FILE* file_ = nullptr;

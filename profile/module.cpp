@@ -1,9 +1,18 @@
 #include "profile/module.h"
 
+#include <array>
+#include <string>
+
 #include "framework/format.h"
+#include "framework/menus.h"
+#include "framework/projects.h"
+#include "framework/startup.h"
+#include "framework/state.h"
 #include "framework/text.h"
 #include "graphics/plotstate.h"
 #include "profile/block.h"
+#include "profile/curveinput.h"
+#include "profile/datafile.h"
 
 namespace kntr::profile {
 
@@ -58,6 +67,142 @@ void SCKNTR(bool& status) {
   status = false;
   const ProfileData& p = profile();
   graphics::G2SCLT(p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4));
+}
+
+namespace {
+
+// What a row says when its part of the program is not in this version.
+void notInThisVersion() {
+  framework::ERRSCN("Not implemented in this version{nwl{gre(version is " +
+                    std::string(fmt::trimmed(framework::program().SPVERS)) + ")");
+}
+
+// Selection numbers of the main menu.
+enum MainSelection {
+  BoxRow = 1,
+  KeyInRow,
+  DigitizeRow,
+  ManipulateRow,
+  PrintRow,
+  PlotRow,
+  SetupRow,
+  FileRow,
+  ExitRow
+};
+
+}  // namespace
+
+int KNTRMN() {
+  framework::ProgramState& program = framework::program();
+  program.SPNAME = ModuleName;
+  program.SPVERS = ModuleVersion;
+  framework::callbacks().reset = RSKNTR;
+  IZKNTF();
+
+  bool status = false;
+  framework::PGINIT(status);
+  if (status) return 1;
+  RSKNTR(status);
+  if (status) return 1;
+
+  // The module starts in terminal mode.
+  program.terminalInput = true;
+  if (program.executionMode != framework::ModeAlone &&
+      program.executionMode != framework::ModeSystem) {
+    framework::PRMESG("Batch mode not supported for KNTR - using interactive mode");
+    program.executionMode = framework::ModeAlone;
+  }
+
+  MNKNTR(status);
+  bool down = false;
+  framework::PGEXIT(down);
+  return 0;
+}
+
+void BGKNTR(bool& status) {
+  IZKNTR(status);
+  if (status) return;
+  // Load the project's profile; when there is one, keep a copy of it as it
+  // stands now in the backup file.
+  const std::array<std::string, 1> kinds{ModuleName};
+  std::array<bool, 1> loaded{false};
+  framework::ISDSFA(kinds, loaded, status);
+  if (status || !loaded[0]) return;
+  std::string backup;
+  framework::IQISFN("BCKP", backup, status);
+  if (status) return;
+  PTKNTR(backup, true, status);
+}
+
+void MNKNTR(bool& status) {
+  status = false;
+  ProfileData& p = profile();
+  bool ignored = false;
+  BGKNTR(ignored);
+  for (;;) {
+    const auto rows = mainMenuRows();
+    bool abort = false;
+    bool failed = false;
+    int selection = MainMenuRows;
+    framework::TXMENU("MANIPULATE KNTR DATA", rows, MainMenuRows, " ", abort, selection, failed);
+    if (abort || failed || selection == ExitRow) {
+      bool leave = false;
+      framework::OKEXIT(p.MODFLG, leave);
+      if (leave) return;
+      continue;
+    }
+    bool st = false;
+    switch (selection) {
+      case KeyInRow:
+        if (!p.BBOXOK)
+          framework::ERRSCN("Bounding box must be given before keying in profile!");
+        else
+          KYPRCV(st);  // a key-in alone does not mark the data as modified
+        break;
+      case DigitizeRow:
+        if (!p.BBOXOK)
+          framework::ERRSCN("Bounding box must be given before digitizing profile!");
+        else
+          notInThisVersion();
+        break;
+      case ManipulateRow:
+        if (!p.BBOXOK)
+          framework::ERRSCN("Bounding box must be given before creating profile!");
+        else
+          notInThisVersion();
+        break;
+      case PrintRow:
+        notInThisVersion();
+        break;
+      case PlotRow:
+        notInThisVersion();
+        break;
+      case SetupRow:
+        notInThisVersion();
+        break;
+      case FileRow:
+        FLKNTR(st);
+        break;
+      default: {
+        // The box row, and any number outside the menu.
+        bool cancelled = false;
+        INBBOX(p.BBOXOK, cancelled, st);
+        if (st) {
+          status = true;
+          return;
+        }
+        if (cancelled) break;
+        if (!p.BBOXOK) {
+          p.BBOXOK = true;
+          IZACCY();
+        }
+        if (fileDisplayHooks().setViewBox)
+          fileDisplayHooks().setViewBox(p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4));
+        p.MODFLG = true;
+        break;
+      }
+    }
+  }
 }
 
 std::array<std::string, MainMenuRows> mainMenuRows() {
