@@ -32,17 +32,7 @@ constexpr char Escape = '\x1b';
 
 // --- small text helpers -------------------------------------------------------
 
-bool isBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\0';
-}
 
-std::string trim(std::string_view text) {
-  std::size_t first = 0;
-  while (first < text.size() && isBlank(text[first])) ++first;
-  std::size_t last = text.size();
-  while (last > first && isBlank(text[last - 1])) --last;
-  return std::string(text.substr(first, last - first));
-}
 
 // A value stored in a field of `width` characters.
 std::string cut(std::string_view text, int width) {
@@ -53,7 +43,7 @@ std::string cut(std::string_view text, int width) {
 std::string environment(const char* name) {
   std::string value;
   GTENVV(name, value);
-  return trim(value);
+  return fmt::stripped(value);
 }
 
 // One line to standard output.
@@ -76,7 +66,7 @@ std::string statusLine(int ioStatus) {
 // Integer in the manner of a run-time I format as wide as the text: an
 // optional sign and digits. 0 or an I/O status.
 int convertInteger(std::string_view text, int& value) {
-  const std::string t = trim(text);
+  const std::string t = fmt::stripped(text);
   if (t.empty()) return IoReadUnexpected;
   std::size_t start = (t[0] == '+') ? 1 : 0;
   if (start == t.size()) return IoReadUnexpected;
@@ -95,7 +85,7 @@ int convertInteger(std::string_view text, int& value) {
 // with an optional point, an optional exponent with E or D. 0 or an I/O
 // status.
 int convertReal(std::string_view text, double& value) {
-  std::string t = trim(text);
+  std::string t = fmt::stripped(text);
   std::size_t i = 0;
   if (i < t.size() && (t[i] == '+' || t[i] == '-')) ++i;
   int digits = 0;
@@ -127,7 +117,7 @@ bool splitLine(std::string& line, std::string& value) {
   if (hash != std::string::npos) line.resize(hash);
   if (fmt::trimmedLength(line) == 0) return false;
   const std::size_t equals = line.find('=');
-  value = (equals == std::string::npos) ? std::string() : trim(line.substr(equals + 1));
+  value = (equals == std::string::npos) ? std::string() : fmt::stripped(line.substr(equals + 1));
   return true;
 }
 
@@ -697,7 +687,7 @@ std::string sequence(std::string_view text) {
 void terminalOutput(const std::string& value, bool& status) {
   TerminalTable& t = terminal();
   const std::size_t firstMark = value.find(t.punctuation);
-  std::string name = fmt::upper(trim(value.substr(0, firstMark)));
+  std::string name = fmt::upper(fmt::stripped(value.substr(0, firstMark)));
   std::string on, off;
   if (firstMark != std::string::npos) {
     const std::string rest = value.substr(firstMark + 1);
@@ -825,9 +815,9 @@ void CFSETP(bool& status) {
   // or the general one
   std::string first;
   if (commandLine().configurationGiven)
-    first = trim(commandLine().configuration);
+    first = fmt::stripped(commandLine().configuration);
   else if (fmt::trimmedLength(p.installationPath) > 0)
-    first = trim(p.installationPath) + "/config/Tarvik.ini";
+    first = fmt::stripped(p.installationPath) + "/config/Tarvik.ini";
   else
     first = site + "/Tarvik-" + p.packageVersion + ".rc";
   if (fileExists(first)) {
@@ -922,7 +912,7 @@ void IZTERM(bool& status) {
   const std::string linesVariable = environment("LINES");
 
   if (o.terminalGiven && fmt::trimmedLength(o.terminal) > 0)
-    t.name = trim(o.terminal);
+    t.name = fmt::stripped(o.terminal);
   else if (!term.empty())
     t.name = cut(term, TerminalNameWidth);
   else
@@ -955,7 +945,7 @@ void IZTERM(bool& status) {
   bool defined = false;
   for (const std::string* directory :
        {&c.primaryTerminalDirectory, &c.secondaryTerminalDirectory}) {
-    const std::string d = trim(*directory);
+    const std::string d = fmt::stripped(*directory);
     if (d.empty()) continue;
     const std::string file = d + "/" + t.name + TerminalExtension;
     if (!fileExists(file)) continue;

@@ -131,6 +131,13 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(0, static_cast<std::size_t>(trimmedLength(text)));
 }
 
+std::string stripped(std::string_view text) {
+  const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\0'; };
+  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
+  return std::string(text);
+}
+
 std::string upper(std::string_view text) {
   std::string out(text);
   for (char& c : out) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));

@@ -39,6 +39,9 @@ std::string repeat(std::string_view piece, int count);
 int trimmedLength(std::string_view text);
 std::string_view trimmed(std::string_view text);
 
+// Text without blanks, tabs and NULs at either end.
+std::string stripped(std::string_view text);
+
 // Upper-case copy (ASCII).
 std::string upper(std::string_view text);
 

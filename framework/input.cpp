@@ -153,15 +153,6 @@ void takeLine(std::string line) {
   s.marker = MarkerStart;
 }
 
-// A text shown inside a message: braces doubled so that they show as typed.
-std::string literal(std::string_view text) {
-  std::string out;
-  for (char c : text) {
-    out.push_back(c);
-    if (c == '{') out.push_back('{');
-  }
-  return out;
-}
 
 // Runs a module callback or a framework service reached by special command.
 void runService(const char* word, bool blockable, bool disabled, void (*service)(bool&)) {

@@ -38,12 +38,6 @@ std::string trimmedCopy(std::string_view text) {
   return std::string(fmt::trimmed(text));
 }
 
-// Text without blanks at either end.
-std::string_view stripped(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  return fmt::trimmed(text);
-}
-
 // --- Extension table ---------------------------------------------------------
 
 // One module of the suite: its short text and backup extensions (file-name
@@ -164,8 +158,8 @@ bool integerField(std::string_view field, int& value) {
 }
 
 // A free-form integer: optional sign and digits, blanks around.
-bool integerText(std::string_view text, int& value) {
-  text = stripped(text);
+bool integerText(std::string_view field, int& value) {
+  const std::string text = fmt::stripped(field);
   if (text.empty()) return false;
   for (char c : text)
     if (c == ' ') return false;
@@ -173,8 +167,8 @@ bool integerText(std::string_view text, int& value) {
 }
 
 // A free-form real: an integer or a decimal number with an E or D exponent.
-bool realText(std::string_view text, double& value) {
-  text = stripped(text);
+bool realText(std::string_view field, double& value) {
+  const std::string text = fmt::stripped(field);
   if (text.empty() || text.size() > 64) return false;
   std::string work(text);
   for (char& c : work)
@@ -449,7 +443,7 @@ void LDPJCT(bool& status) {
     auto has = [&](std::string_view word) { return key.find(word) != std::string_view::npos; };
 
     if (has("print-level")) {
-      const std::string_view word = stripped(value);
+      const std::string word = fmt::stripped(value);
       if (word == "beginner")
         p.printLevel = 1;
       else if (word == "standard")

@@ -27,11 +27,6 @@ const char* modeWord(int mode) {
   }
 }
 
-std::string trimBoth(std::string_view text) {
-  std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return std::string(fmt::trimmed(text.substr(first)));
-}
 
 }  // namespace
 
@@ -156,7 +151,7 @@ void LDPJTP(bool& status) {
     if (line.size() > 268) line.resize(268);
     if (fmt::trimmedLength(line) == 0) continue;
     const std::size_t equals = line.find('=');
-    const std::string value = equals == std::string::npos ? std::string() : trimBoth(line.substr(equals + 1));
+    const std::string value = equals == std::string::npos ? std::string() : fmt::stripped(line.substr(equals + 1));
     if (line.find("execution-mode") != std::string::npos) {
       if (value == "alone") p.executionMode = ModeAlone;
       else if (value == "system") p.executionMode = ModeSystem;

@@ -114,12 +114,14 @@ ProgramState& program();
 void resetProgramState();
 
 // The routines a module supplies, called by name from the framework: reset
-// (#RESET), load (#LOAD), store (#SAVE), and the periodic backup.
+// (#RESET), load (#LOAD), store (#SAVE), the periodic backup, and the page
+// of the module's limits that the system menu prints.
 struct ModuleCallbacks {
   void (*reset)(bool& status) = nullptr;
   void (*load)(bool& status) = nullptr;
   void (*store)(bool& status) = nullptr;
   void (*backup)(bool& status) = nullptr;
+  void (*limits)(bool& status) = nullptr;
 };
 ModuleCallbacks& callbacks();
 

@@ -12,20 +12,7 @@ namespace kntr::framework {
 
 namespace {
 
-// A text shown inside a message: braces doubled so that they show as typed.
-std::string literal(std::string_view text) {
-  std::string out;
-  for (char c : text) {
-    out.push_back(c);
-    if (c == '{') out.push_back('{');
-  }
-  return out;
-}
 
-int runOne(std::string_view command) {
-  if (systemHooks().runCommand) return systemHooks().runCommand(command);
-  return platform::runCommand(command);
-}
 
 }  // namespace
 
@@ -40,6 +27,11 @@ void endProcess(int code) {
     return;
   }
   std::exit(code);
+}
+
+int runCommandQuietly(std::string_view command) {
+  if (systemHooks().runCommand) return systemHooks().runCommand(command);
+  return platform::runCommand(command);
 }
 
 void OPSYIF(std::string_view commands, bool& status) {
@@ -65,7 +57,7 @@ void OPSYIF(std::string_view commands, bool& status) {
     std::string_view command = fmt::trimmed(list.substr(start, end - start));
     command.remove_prefix(std::min(command.size(), command.find_first_not_of(' ')));
     if (!command.empty()) {
-      const int error = runOne(command);
+      const int error = runCommandQuietly(command);
       if (error != 0) {
         std::string_view shown = command;
         if (shown.size() > static_cast<std::size_t>(ShownCommandLength))

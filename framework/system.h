@@ -2,8 +2,8 @@
 //
 //   OPSYIF  run a list of operating system commands separated by ";"
 //
-// (The system menu and the printer routines of this family join this header
-// as they are built.)
+// The system menu is in framework/sysmenu.h, the printers in
+// framework/printers.h.
 #pragma once
 
 #include <string_view>
@@ -30,6 +30,10 @@ struct SystemHooks {
   void (*endProcess)(int code) = nullptr;
 };
 SystemHooks& systemHooks();
+
+// Runs one command through the hook above, with no word on failure; its
+// exit code, or -1 when it could not run.
+int runCommandQuietly(std::string_view command);
 
 // Ends the process with `code` through the hook above.
 void endProcess(int code);

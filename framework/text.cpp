@@ -98,6 +98,16 @@ bool printerTarget() {
   return (t == TargetSystemPrinter || t == TargetFilePrinter) && printerHooks().printText;
 }
 
+// Up to two blank lines after a printed block, as many as the page holds.
+// A printed text ends with a line end of its own, so "{nwl" gives two.
+void printerGap(PrinterHooks& printer) {
+  const int left = printer.linesLeft ? printer.linesLeft() : 2;
+  if (left >= 2)
+    printer.printText("{nwl");
+  else if (left == 1)
+    printer.printText(" ");
+}
+
 int& rowCounter() {
   static int row = 1;
   return row;
@@ -236,8 +246,7 @@ void PRPAGE(std::string_view text) {
     }
     if (printer.linesLeft && n > printer.linesLeft() && printer.newPage) printer.newPage();
     printer.printText(text);
-    int left = printer.linesLeft ? printer.linesLeft() : 2;
-    printer.printText(left >= 2 ? "{nwl{nwl" : (left == 1 ? "{nwl" : ""));
+    printerGap(printer);
     return;
   }
   const int lines = program().screenLines;
@@ -263,8 +272,7 @@ void SCROLL(std::string_view text, int lastPage, int& currentPage, bool& status)
     if (printer.linesLeft && n > printer.linesLeft() && printer.newPage) printer.newPage();
     printer.printText(text);
     ++currentPage;
-    int left = printer.linesLeft ? printer.linesLeft() : 2;
-    printer.printText(left >= 2 ? "{nwl{nwl" : (left == 1 ? "{nwl" : ""));
+    printerGap(printer);
     if (currentPage > lastPage) status = true;
     return;
   }
@@ -345,6 +353,15 @@ void SCRINP(int& code, int& value) {
     }
     ERRSCN("Input must be either +, -, NNN, +NNN, -NNN or <R> to quit ?");
   }
+}
+
+std::string literal(std::string_view text) {
+  std::string out;
+  for (char c : text) {
+    out.push_back(c);
+    if (c == '{') out.push_back('{');
+  }
+  return out;
 }
 
 std::string ioStatusReason(int s) {

@@ -82,6 +82,10 @@ void IOINTL(char operation, int ioStatus);
 // NOHELP: there is no help for this question.
 void NOHELP();
 
+// A value shown inside a formatted text: braces doubled, so that it shows
+// as typed.
+std::string literal(std::string_view text);
+
 // Reason text of an I/O status number, as IOERRM appends it.
 std::string ioStatusReason(int ioStatus);
 
@@ -104,7 +108,9 @@ struct PrinterHooks {
   int (*linesLeft)() = nullptr;
   int (*pageLength)() = nullptr;
   void (*newPage)() = nullptr;           // page head of a new page
-  void (*printText)(std::string_view) = nullptr;  // one formatted text
+  // One formatted text; like OUTSCN it ends with a line end, so a text
+  // adds CNTLIN(text) lines.
+  void (*printText)(std::string_view) = nullptr;
 };
 PrinterHooks& printerHooks();
 

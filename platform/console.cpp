@@ -166,8 +166,11 @@ int readByte() {
   return source().next();
 }
 
+void restoreTerminal();
+
 [[noreturn]] void inputEnded() {
   Console& c = con();
+  restoreTerminal();
   if (c.endOfInput) c.endOfInput();
   rawWrite("\nTerminating program due to EOF on input\n");
   std::exit(1);
@@ -197,18 +200,8 @@ void enterRawMode() {
   if (::tcsetattr(STDIN_FILENO, TCSANOW, &raw) == 0) c.rawMode = true;
 }
 
-void onSignal(int signal) {
-  restoreTerminal();
-  Console& c = con();
-  if (c.outputTerminal && !c.memory) {
-    const char reset[] = "\x1b[?1000l\x1b[?1006l\x1b[?25h\x1b[0m";
-    ssize_t ignored = ::write(STDOUT_FILENO, reset, sizeof reset - 1);
-    (void)ignored;
-  }
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
-}
-
+// Gives the terminal back: line mode, no mouse reports, cursor shown,
+// colours reset.
 void atExit() {
   restoreTerminal();
   Console& c = con();
@@ -217,6 +210,12 @@ void atExit() {
     ssize_t ignored = ::write(STDOUT_FILENO, reset, sizeof reset - 1);
     (void)ignored;
   }
+}
+
+void onSignal(int signal) {
+  atExit();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
 }
 
 void querySize(int& columns, int& lines) {
@@ -363,6 +362,9 @@ void initialize() {
     }
   }
   c.initialized = true;
+  // Keys are read one by one for the whole session, so that nothing typed
+  // ahead is taken by the terminal's own line editing.
+  enterRawMode();
   querySize(c.columns, c.lines);
   cursorVisible(false);
   c.lastResult = 0;
@@ -425,7 +427,6 @@ void getChar(char& character) {
   cursorVisible(true);
   enterRawMode();
   int b = readByte();
-  restoreTerminal();
   cursorVisible(false);
   if (b == -1) inputEnded();
   character = static_cast<char>(b);
@@ -454,7 +455,6 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     if (b == -1) {
       if (!buffer.empty()) break;  // a last line without its line end
       if (echo) escape("\x1b[?1000l\x1b[?1006l");
-      restoreTerminal();
       inputEnded();
     }
     if (b == '\r' || b == '\n') {
@@ -475,7 +475,6 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     }
     if (b == 4 && c.rawMode && buffer.empty()) {  // Ctrl-D on an empty line
       escape("\x1b[?1000l\x1b[?1006l");
-      restoreTerminal();
       inputEnded();
     }
     if (b == 27) {
@@ -494,7 +493,6 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     }
   }
   if (echo) escape("\x1b[?1000l\x1b[?1006l");
-  restoreTerminal();
   cursorVisible(false);
   length = static_cast<int>(buffer.size());
 }
@@ -539,6 +537,18 @@ void getPosition(int& column, int& row) {
 }  // namespace WinConF
 
 void setEndOfInputHandler(EndOfInputHandler handler) { con().endOfInput = handler; }
+
+void lendTerminal(bool toChild) {
+  Console& c = con();
+  if (c.memory || !c.inputTerminal) return;
+  if (toChild) {
+    restoreTerminal();
+    cursorVisible(true);
+  } else {
+    enterRawMode();
+    cursorVisible(false);
+  }
+}
 
 void writeStandardOutput(std::string_view text) { rawWrite(text); }
 

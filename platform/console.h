@@ -63,6 +63,10 @@ void getPosition(int& column, int& row);
 using EndOfInputHandler = void (*)();
 void setEndOfInputHandler(EndOfInputHandler handler);
 
+// Hands the terminal to a child process as the user's shell expects it
+// (true), and takes it back for key-by-key reading (false).
+void lendTerminal(bool toChild);
+
 // Direct write to standard output, for the few texts that go out before or
 // around the console (start-up warnings, scanner diagnostics).
 void writeStandardOutput(std::string_view text);

@@ -43,7 +43,9 @@ bool interactiveConsole() {
 }
 
 int runCommand(std::string_view command) {
+  lendTerminal(true);
   const int result = std::system(std::string(command).c_str());
+  lendTerminal(false);
   if (result == -1) return -1;
   if (WIFEXITED(result)) return WEXITSTATUS(result);
   return -1;

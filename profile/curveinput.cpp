@@ -248,4 +248,11 @@ void RMPRCV(int c, bool& status) {
   p.NPRCRV -= 1;
 }
 
+void deleteCurrentCurve(bool& status) {
+  ProfileData& p = profile();
+  RMPRCV(p.CURCRV, status);
+  if (status) return;
+  if (p.CURCRV != 1) p.CURCRV -= 1;
+}
+
 }  // namespace kntr::profile

@@ -5,6 +5,7 @@
 //   INPRPN  keyed input of the points of a curve
 //   INREFP  keyboard input of the reference point
 //   RMPRCV  remove a curve from the table
+//   deleteCurrentCurve  remove the current curve and choose the next current
 #pragma once
 
 namespace kntr::profile {
@@ -27,5 +28,9 @@ void INREFP(bool& status);
 
 // RMPRCV: remove curve c, moving the following curves down.
 void RMPRCV(int c, bool& status);
+
+// deleteCurrentCurve: remove CURCRV; the curve before it becomes current,
+// except that curve 1 stays current.
+void deleteCurrentCurve(bool& status);
 
 }  // namespace kntr::profile

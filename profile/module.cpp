@@ -5,14 +5,17 @@
 
 #include "framework/format.h"
 #include "framework/menus.h"
+#include "framework/printers.h"
 #include "framework/projects.h"
 #include "framework/startup.h"
 #include "framework/state.h"
+#include "framework/sysmenu.h"
 #include "framework/text.h"
 #include "graphics/plotstate.h"
 #include "profile/block.h"
 #include "profile/curveinput.h"
 #include "profile/datafile.h"
+#include "profile/printout.h"
 
 namespace kntr::profile {
 
@@ -97,6 +100,7 @@ int KNTRMN() {
   program.SPNAME = ModuleName;
   program.SPVERS = ModuleVersion;
   framework::callbacks().reset = RSKNTR;
+  framework::callbacks().limits = PRMLIM;
   IZKNTF();
 
   bool status = false;
@@ -171,14 +175,21 @@ void MNKNTR(bool& status) {
         else
           notInThisVersion();
         break;
-      case PrintRow:
-        notInThisVersion();
+      case PrintRow: {
+        // Where to, then the printout; a job that fails is thrown away.
+        bool cancelled = false;
+        framework::SLPRNT(cancelled, st);
+        if (cancelled || st) break;
+        PRKNTR(st);
+        bool closed = false;
+        framework::CLPRNT(!st, closed);
         break;
+      }
       case PlotRow:
         notInThisVersion();
         break;
       case SetupRow:
-        notInThisVersion();
+        framework::SYMENU(st);
         break;
       case FileRow:
         FLKNTR(st);

@@ -5,7 +5,9 @@
 #include <string_view>
 
 #include "framework/format.h"
+#include "framework/printers.h"
 #include "framework/state.h"
+#include "framework/tables.h"
 #include "framework/text.h"
 #include "profile/block.h"
 
@@ -39,7 +41,109 @@ std::string formatReal(double value, std::string_view format) {
   return fmt::F(value, 10, 3);
 }
 
+// Widths of the point table's cells, between the vertical lines.
+constexpr int NumberCell = 6;
+constexpr int ValueCell = 12;
+constexpr int TypeCell = 21;
+
+// The name of a point type in the table, in its 21 columns.
+std::string typeText(int type) {
+  static constexpr const char* names[] = {
+      " Knuckle",       " Continous curvature", " Leading tangent", " Trailing tangent",
+      " Both tangents", " Equal tangents",      " Leading sheer",   " Trailing sheer"};
+  if (type < Knuckle || type > TrailingSheer) return fmt::pad("", TypeCell);
+  return fmt::pad(names[type - 1], TypeCell);
+}
+
+// A rule of the table: the left token, the cells' runs of "{hln" joined by
+// the crossing token, and the right token.
+std::string rule(std::string_view left, std::string_view joint, std::string_view right) {
+  std::string text(left);
+  text += fmt::repeat("{hln", NumberCell);
+  for (int k = 1; k <= 3; ++k) {
+    text += joint;
+    text += fmt::repeat("{hln", ValueCell);
+  }
+  text += joint;
+  text += fmt::repeat("{hln", TypeCell);
+  text += right;
+  return text;
+}
+
 }  // namespace
+
+std::string pointTableHead() {
+  return "{yel{udlProfile offset point definition{udl"
+         "{nwl{nwl" +
+         rule("{cya{ulc", "{tdn", "{urc") +
+         "{nwl{vln"
+         "{yelPoint {cya{vln"
+         "{yel   X-coord  {cya{vln"
+         "{yel   Y-coord  {cya{vln"
+         "{yel   Knuckle  {cya{vln"
+         "{yel     Point type      {cya{vln"
+         "{nwl{vln"
+         "{yelnumber{cya{vln"
+         "{yel     [m]    {cya{vln"
+         "{yel     [m]    {cya{vln"
+         "{yel   weight   {cya{vln"
+         "{yel                     {cya{vln"
+         "{nwl" +
+         rule("{trg", "{crs", "{tlf");
+}
+
+std::string pointTableFoot() {
+  return rule("{cya{llc", "{tup", "{lrc");
+}
+
+std::string pointTableRow(int c, int j) {
+  const ProfileData& p = profile();
+  const int type = p.PRPTYP(c, j);
+  // A polyline's points have no type of their own: a single minus sign.
+  const std::string kind =
+      p.PRFTYP == SplineProfile ? typeText(type) : fmt::pad(fmt::padLeft("-", 10), TypeCell);
+  std::string text = "{cya{vln {gre" + fmt::I(j, 4) + " {cya{vln";
+  text += " {gre" + fmt::PE(p.PRPNTS(c, j)(1), 10, 3) + " {cya{vln";
+  text += " {gre" + fmt::PE(p.PRPNTS(c, j)(2), 10, 3) + " {cya{vln";
+  if (type == Knuckle)
+    text += " {gre" + fmt::PE(p.PRKWGT(c, j), 10, 3) + " {cya{vln";
+  else
+    text += " {gre         - {cya{vln";
+  text += "{gre" + kind + "{cya{vln";
+  return text;
+}
+
+void PRPRPN(bool& status) {
+  status = false;
+  const ProfileData& p = profile();
+  if (p.NPRCRV <= 0) {
+    framework::ERRSCN("(PRPRPN) No profile curves available!");
+    status = true;
+    return;
+  }
+  // The current curve; a block without one shows its first curve.
+  const int c = (p.CURCRV >= 1 && p.CURCRV <= p.NPRCRV) ? p.CURCRV : 1;
+  framework::IZTABL(pointTableHead(), pointTableFoot(), p.NPRPNT(c), status);
+  if (status) return;
+  // The rows are asked for by the point count of the first curve slot, as
+  // they always have been: a current curve with more points than the first
+  // curve is cut at the first curve's count.
+  int row = 0;
+  bool done = false;
+  for (framework::GTTROW(p.NPRPNT(1), row, done); !done; framework::GTTROW(p.NPRPNT(1), row, done))
+    framework::PTTROW(pointTableRow(c, row));
+  if (framework::printJobFailed()) status = true;
+}
+
+void PRKNTR(bool& status) {
+  PROUTL(status);
+  if (status) return;
+  if (framework::printJobFailed()) {
+    status = true;
+    return;
+  }
+  PRPRPN(status);
+}
 
 void PROUTL(bool& status) {
   status = false;

@@ -14,11 +14,6 @@ const char* const fairUsage =
     "fair FILE CURVE POINT [--along leading|trailing|leading-normal|trailing-normal|DX,DY] "
     "[--global] [--restraint D] [--iterations N] -o OUT";
 
-std::string number(double value) {
-  char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%.17g", value);
-  return buffer;
-}
 }  // namespace
 
 int fairCommand(const Arguments& arguments) {
@@ -78,9 +73,9 @@ int fairCommand(const Arguments& arguments) {
   if (status) return fail("");
 
   std::string line = "iterations " + std::to_string(outcome.iterations) + " energy";
-  for (int i = 1; i <= outcome.energyCount; ++i) line += " " + number(outcome.energies(i));
-  line += " moved " + number(outcome.faired.x - outcome.start.x) + " " +
-          number(outcome.faired.y - outcome.start.y) + "\n";
+  for (int i = 1; i <= outcome.energyCount; ++i) line += " " + fullPrecision(outcome.energies(i));
+  line += " moved " + fullPrecision(outcome.faired.x - outcome.start.x) + " " +
+          fullPrecision(outcome.faired.y - outcome.start.y) + "\n";
   print(line);
   return 0;
 }

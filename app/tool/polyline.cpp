@@ -8,14 +8,6 @@
 
 namespace kntr::tool {
 
-namespace {
-std::string number(double value) {
-  char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%.17g", value);
-  return buffer;
-}
-}  // namespace
-
 int polylineCommand(const Arguments& arguments) {
   if (arguments.size() != 1) return usage("polyline FILE");
   if (!loadProfile(arguments[0])) return 1;
@@ -29,7 +21,7 @@ int polylineCommand(const Arguments& arguments) {
     const int n = lines->points(c);
     out += "curve " + std::to_string(c) + " " + std::to_string(n) + "\n";
     for (int i = 1; i <= n; ++i)
-      out += number(lines->xy(c, i).x) + " " + number(lines->xy(c, i).y) + "\n";
+      out += fullPrecision(lines->xy(c, i).x) + " " + fullPrecision(lines->xy(c, i).y) + "\n";
     out += "index";
     for (int j = 1; j <= p.NPRPNT(c); ++j) out += " " + std::to_string(lines->index(c, j));
     out += "\n";

@@ -75,6 +75,12 @@ int fail(const std::string& text) {
   return 1;
 }
 
+std::string fullPrecision(double value) {
+  char buffer[40];
+  std::snprintf(buffer, sizeof buffer, "%.17g", value);
+  return buffer;
+}
+
 bool parseInteger(const std::string& text, int& value) {
   if (text.empty()) return false;
   char* end = nullptr;

@@ -26,6 +26,9 @@ void print(const std::string& text);
 // Reports a failure of the tool itself in the system's wording.
 int fail(const std::string& text);
 
+// A real at full precision ("%.17g").
+std::string fullPrecision(double value);
+
 // Parses a whole decimal number / a real; false when the text is not one.
 bool parseInteger(const std::string& text, int& value);
 bool parseReal(const std::string& text, double& value);

@@ -162,5 +162,20 @@ TEST_F(KeyIn, RemovalMovesTheFollowingCurvesDown) {
   EXPECT_NE(output().find("(RMPRCV) Illegal profile curve index!"), std::string::npos);
 }
 
+TEST_F(KeyIn, DeletingTheCurrentCurveChoosesTheOneBefore) {
+  p.NPRCRV = 4;
+  for (int c = 1; c <= 4; ++c) p.NPRPNT(c) = 2;
+  p.CURCRV = 1;
+  bool status = true;
+  deleteCurrentCurve(status);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(p.NPRCRV, 3);
+  EXPECT_EQ(p.CURCRV, 1);
+  p.CURCRV = 3;
+  deleteCurrentCurve(status);
+  EXPECT_EQ(p.NPRCRV, 2);
+  EXPECT_EQ(p.CURCRV, 2);
+}
+
 }  // namespace
 }  // namespace kntr::profile

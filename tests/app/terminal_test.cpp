@@ -1,0 +1,135 @@
+// The program on a real terminal (a pseudo-terminal): colours, raw keys with
+// echo and backspace, and a mouse click on a menu row.
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Terminal : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    scratch_ = fs::temp_directory_path() / ("kntr-pty-" + std::to_string(::getpid()));
+    fs::remove_all(scratch_);
+    fs::create_directories(scratch_ / "home" / "T-cnfg");
+    // No banner pause.
+    std::ofstream(scratch_ / "home" / "T-cnfg" / "Tarvik-2016A.ini") << "show-time=0\n";
+  }
+  void TearDown() override {
+    if (child_ > 0) {
+      ::kill(child_, SIGKILL);
+      ::waitpid(child_, nullptr, 0);
+    }
+    if (master_ >= 0) ::close(master_);
+    fs::remove_all(scratch_);
+  }
+
+  void start() {
+    winsize size{};
+    size.ws_col = 80;
+    size.ws_row = 24;
+    child_ = ::forkpty(&master_, nullptr, nullptr, &size);
+    ASSERT_GE(child_, 0);
+    if (child_ == 0) {
+      if (::chdir(scratch_.c_str()) != 0) std::_Exit(125);
+      ::setenv("HOME", (scratch_ / "home").c_str(), 1);
+      ::setenv("TERM", "xterm", 1);
+      ::setenv("KNTR_SITE_CONFIG_DIR", (scratch_ / "site").c_str(), 1);
+      ::unsetenv("NO_COLOR");
+      ::unsetenv("TARVIKRC");
+      const std::string program = std::string(KNTR_BINARY_DIR) + "/app/kntr";
+      ::execl(program.c_str(), program.c_str(), static_cast<char*>(nullptr));
+      std::_Exit(126);
+    }
+  }
+
+  // Reads until `text` has appeared in what the program wrote since the
+  // last call; false when it does not come within the guard time.
+  bool waitFor(const std::string& text) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
+    for (;;) {
+      const auto found = seen_.find(text);
+      if (found != std::string::npos) {
+        seen_.erase(0, found + text.size());
+        return true;
+      }
+      const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+          deadline - std::chrono::steady_clock::now());
+      if (left.count() <= 0) return false;
+      pollfd p{master_, POLLIN, 0};
+      if (::poll(&p, 1, static_cast<int>(left.count())) <= 0) return false;
+      char buffer[4096];
+      const ssize_t n = ::read(master_, buffer, sizeof buffer);
+      if (n <= 0) return false;
+      seen_.append(buffer, static_cast<std::size_t>(n));
+      all_.append(buffer, static_cast<std::size_t>(n));
+    }
+  }
+
+  void send(const std::string& keys) {
+    ASSERT_EQ(::write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+  }
+
+  int exitStatus() {
+    int status = 0;
+    ::waitpid(child_, &status, 0);
+    child_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  fs::path scratch_;
+  pid_t child_ = -1;
+  int master_ = -1;
+  std::string seen_;
+  std::string all_;
+};
+
+TEST_F(Terminal, ColouredMenuAnswersAClickOnItsRow) {
+  start();
+  ASSERT_TRUE(waitFor("Input name of project file?"));
+  // Typed keys are echoed; backspace takes the x back.
+  send("demox\x7f\r");
+  ASSERT_TRUE(waitFor("demo"));
+  ASSERT_TRUE(waitFor("OK to create new project"));
+  send("yes\r");
+  ASSERT_TRUE(waitFor("company identification"));
+  send("ACME\r");
+  ASSERT_TRUE(waitFor("user identification"));
+  send("me\r");
+  ASSERT_TRUE(waitFor("Select item number [1-9] ?"));
+  EXPECT_NE(all_.find("\x1b[96m"), std::string::npos) << "menu rows in cyan";
+  EXPECT_NE(all_.find("\x1b[92m"), std::string::npos) << "default row in green";
+  EXPECT_NE(all_.find("\x1b[?1006h"), std::string::npos) << "mouse reports asked for";
+  EXPECT_NE(all_.find("\x1b]0;Tarvik\a"), std::string::npos) << "window title";
+
+  // Row 6 of an 80 x 24 screen holds "1.  ... Input bounding box".
+  send("\x1b[<0;30;6M");
+  ASSERT_TRUE(waitFor("Input min and max X-coordinates of bounding box [m]"));
+  send("$\r");
+  ASSERT_TRUE(waitFor("Select item number [1-9] ?"));
+  send("9\r");
+  ASSERT_TRUE(waitFor("OK to EXIT module"));
+  send("yes\r");
+  EXPECT_EQ(exitStatus(), 0);
+  EXPECT_TRUE(fs::exists(scratch_ / "home" / "T-cnfg" / "Tarvik.log"));
+}
+
+TEST_F(Terminal, ControlDOnAnEmptyLineEndsTheInput) {
+  start();
+  ASSERT_TRUE(waitFor("Input name of project file?"));
+  send("\x04");
+  ASSERT_TRUE(waitFor("Terminating program due to EOF on input"));
+  EXPECT_EQ(exitStatus(), 1);
+}
+
+}  // namespace

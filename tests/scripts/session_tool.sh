@@ -1,0 +1,24 @@
+# kntr-tool on the reference profiles: polylines, fairing, and errors.
+source "$(dirname "$0")/lib.sh"
+bench="$KNTR_SOURCE_DIR/data/bench"
+"$KNTR_TOOL" polyline "$bench/spline-lens.kntr" >poly.txt
+check "polyline exit 0" test $? -eq 0
+check "two curves" test "$(grep -c '^curve' poly.txt)" -eq 2
+check "curve 2 closes on 8 offset points" grep -qx 'index 1 3 5 7 9 11 13 15' poly.txt
+check "full precision" grep -q '^0.83333333333333337 0.64704761275630196$' poly.txt
+"$KNTR_TOOL" fair "$bench/spline-lens.kntr" 1 5 --iterations 5 -o faired.kntr >fair.txt
+check "fair exit 0" test $? -eq 0
+check "fair report" grep -Eq '^iterations [1-5] energy( [0-9.e+-]+)+ moved [0-9.e+-]+ [0-9.e+-]+$' fair.txt
+check "faired file written" test -s faired.kntr
+"$KNTR_TOOL" fair faired.kntr 1 5 --along 1,0 --restraint 0.001 -o again.kntr >/dev/null
+check "directional fairing on the written file" test $? -eq 0
+"$KNTR_TOOL" polyline missing.kntr 2>err.txt
+check "missing file exit 1" test $? -eq 1
+check "missing file message" grep -qF '"missing.kntr" is non-existent!' err.txt
+printf 'not a profile\n' >bad.kntr
+"$KNTR_TOOL" polyline bad.kntr 2>err.txt
+check "bad file exit 1" test $? -eq 1
+check "bad file message" grep -q 'Attempt to read from file \*\* bad.kntr \*\* failed' err.txt
+"$KNTR_TOOL" fair "$bench/spline-lens.kntr" 1 >/dev/null 2>&1
+check "usage exit 2" test $? -eq 2
+finish
