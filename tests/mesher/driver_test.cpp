@@ -294,5 +294,3 @@ TEST_F(DriverTest, RandomRegionsMeshOrFailWithAMessage) {
 
 }  // namespace
 }  // namespace kntr::mesher
-
-#endif
