@@ -1,0 +1,166 @@
+// Plane geometry helpers and the two half-edge edits.
+#include "mesher/halfedge.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "mesher/boundary.h"
+#include "support/mesh_checker.h"
+#include "support/mesh_runner.h"
+#include "support/mesh_shapes.h"
+
+namespace kntr::mesher {
+namespace {
+
+using testing::MesherTest;
+
+TEST(Iqangl, MeasuresCounterclockwiseFromTheSecondRayToTheFirst) {
+  // From the ray to c = (1, 0) counterclockwise to the ray to a.
+  EXPECT_NEAR(IQANGL(0, 1, 0, 0, 1, 0), Pi / 2, 1e-15);
+  EXPECT_NEAR(IQANGL(-1, 0, 0, 0, 1, 0), Pi, 1e-15);
+  EXPECT_NEAR(IQANGL(0, -1, 0, 0, 1, 0), 3 * Pi / 2, 1e-15);
+  EXPECT_NEAR(IQANGL(1, 0, 0, 0, 0, 1), 3 * Pi / 2, 1e-15);
+  EXPECT_EQ(IQANGL(2, 0, 0, 0, 1, 0), 0.0);
+  // Around a point away from the origin, against the polar angles.
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> angle(0.0, 2 * Pi);
+  for (int i = 0; i < 200; ++i) {
+    const double pa = angle(random), pc = angle(random);
+    const double got = IQANGL(3 + 2 * std::cos(pa), -1 + 2 * std::sin(pa), 3, -1,
+                              3 + 5 * std::cos(pc), -1 + 5 * std::sin(pc));
+    const double want = std::fmod(pa - pc + 4 * Pi, 2 * Pi);
+    EXPECT_NEAR(std::fmod(got - want + 5 * Pi, 2 * Pi) - Pi, 0.0, 1e-12) << pa << " " << pc;
+    EXPECT_GE(got, 0.0);
+    EXPECT_LT(got, 2 * Pi);
+  }
+}
+
+TEST(Iqside, TellsRightLeftAndOnWithAToleranceLinearInTheLengths) {
+  EXPECT_EQ(IQSIDE(0.5, -1, 0, 0, 1, 0, 0), 1);  // below a rightward line: right
+  EXPECT_EQ(IQSIDE(0.5, 1, 0, 0, 1, 0, 0), -1);
+  EXPECT_EQ(IQSIDE(7, 0, 0, 0, 1, 0, 0), 0);  // on the line beyond b
+  // The value is the cross product (length times distance); the band is
+  // MeshTol times the largest component, so its width does not grow with
+  // the line's length.
+  EXPECT_EQ(IQSIDE(0.5, 0.5e-12, 0, 0, 1, 0, 0), 0);
+  EXPECT_EQ(IQSIDE(0.5, 2e-12, 0, 0, 1, 0, 0), -1);
+  EXPECT_EQ(IQSIDE(500, 0.5e-12, 0, 0, 1000, 0, 0), 0);
+  EXPECT_EQ(IQSIDE(500, 2e-12, 0, 0, 1000, 0, 0), -1);
+  // dv moves the line to the left: a point on the old line is then right.
+  EXPECT_EQ(IQSIDE(0.5, 0, 0, 0, 1, 0, 0.25), 1);
+  EXPECT_EQ(IQSIDE(0.5, 0.25, 0, 0, 1, 0, 0.25), 0);
+  EXPECT_EQ(IQSIDE(0.5, 0.5, 0, 0, 1, 0, 0.25), -1);
+}
+
+TEST(Iqsgin, IntersectsALineOrARayWithASegment) {
+  bool found = false, status = true;
+  double x = 0, y = 0;
+  IQSGIN(false, 0, 0, 2, 2, 0, 2, 2, 0, x, y, found, status);
+  EXPECT_FALSE(status);
+  ASSERT_TRUE(found);
+  EXPECT_NEAR(x, 1.0, 1e-15);
+  EXPECT_NEAR(y, 1.0, 1e-15);
+  // Beyond p2: only the ray reaches it.
+  IQSGIN(false, 0, 0, 1, 0, 3, -1, 3, 1, x, y, found, status);
+  EXPECT_FALSE(found);
+  IQSGIN(true, 0, 0, 1, 0, 3, -1, 3, 1, x, y, found, status);
+  ASSERT_TRUE(found);
+  EXPECT_NEAR(x, 3.0, 1e-15);
+  EXPECT_NEAR(y, 0.0, 1e-15);
+  // Behind the ray's start, outside the segment, parallel.
+  IQSGIN(true, 0, 0, 1, 0, -3, -1, -3, 1, x, y, found, status);
+  EXPECT_FALSE(found);
+  IQSGIN(true, 0, 0, 1, 0, 3, 1, 3, 2, x, y, found, status);
+  EXPECT_FALSE(found);
+  IQSGIN(true, 0, 0, 1, 0, 0, 1, 5, 1, x, y, found, status);
+  EXPECT_FALSE(found);
+  // A segment end on the line counts (within MeshTol of the segment).
+  IQSGIN(true, 0, 0, 1, 0, 3, 0, 3, 1, x, y, found, status);
+  EXPECT_TRUE(found);
+}
+
+// A square with an edge from corner 1 to corner 3 splits into two right
+// triangles that share that edge.
+TEST_F(MesherTest, InsedgSplitsAPolygonAlongANewEdge) {
+  MeshData& m = meshData();
+  testing::TestRegion square{{testing::shapes::rectangle(0, 0, 2, 2)}};
+  ASSERT_TRUE(testing::decomposeRegion(square));  // convex: nothing added
+  ASSERT_EQ(m.NumHalfEdges, 4);
+  bool status = true;
+  INSEDG(m, 1, 3, status);
+  ASSERT_FALSE(status);
+  EXPECT_EQ(m.NumPolygons, 2);
+  EXPECT_EQ(m.NumHalfEdges, 6);
+  EXPECT_EQ(m.HalfEdge(1).Twin, 3);
+  EXPECT_EQ(m.HalfEdge(3).Twin, 1);
+  EXPECT_NEAR(m.CornerAngle(1), Pi / 4, 1e-15);
+  EXPECT_NEAR(m.CornerAngle(5), Pi / 4, 1e-15);
+  EXPECT_NEAR(m.CornerAngle(3), Pi / 4, 1e-15);
+  EXPECT_NEAR(m.CornerAngle(6), Pi / 4, 1e-15);
+  const auto problems = testing::checkDecomposition(m, 4.0, 8.0);
+  EXPECT_TRUE(problems.empty()) << testing::joined(problems);
+}
+
+// A vertex put into an inner edge goes into both sides; the two halves stay
+// twins in pairs.
+TEST_F(MesherTest, InsvtxSplitsAnEdgeOnBothSides) {
+  MeshData& m = meshData();
+  testing::TestRegion square{{testing::shapes::rectangle(0, 0, 2, 2)}};
+  ASSERT_TRUE(testing::decomposeRegion(square));
+  bool status = true;
+  INSEDG(m, 1, 3, status);  // diagonal (0,0)-(2,2): half-edges 1 and 3
+  ASSERT_FALSE(status);
+  int added = 0;
+  INSVTX(m, 0.5, 0.5, 1, added, status);
+  ASSERT_FALSE(status);
+  EXPECT_EQ(added, 7);
+  EXPECT_EQ(m.NumVertices, 5);
+  EXPECT_EQ(m.HalfEdge(7).Vertex, 5);
+  EXPECT_EQ(m.HalfEdge(8).Vertex, 5);
+  EXPECT_EQ(m.HalfEdge(1).Twin, 8);
+  EXPECT_EQ(m.HalfEdge(3).Twin, 7);
+  EXPECT_EQ(m.CornerAngle(7), Pi);
+  EXPECT_EQ(m.CornerAngle(8), Pi);
+  const auto problems = testing::checkDecomposition(m, 4.0, 8.0);
+  EXPECT_TRUE(problems.empty()) << testing::joined(problems);
+
+  // A boundary edge has no twin: only one new half-edge.
+  INSVTX(m, 1.0, 0.0, 5, added, status);
+  ASSERT_FALSE(status);
+  EXPECT_EQ(added, 9);
+  EXPECT_EQ(m.NumHalfEdges, 9);
+  EXPECT_EQ(m.HalfEdge(9).Twin, 0);
+  const auto again = testing::checkDecomposition(m, 4.0, 8.0);
+  EXPECT_TRUE(again.empty()) << testing::joined(again);
+}
+
+TEST_F(MesherTest, InsvtxAndInsedgReportFullStorage) {
+  MeshData& m = meshData();
+  testing::TestRegion square{{testing::shapes::rectangle(0, 0, 2, 2)}};
+  ASSERT_TRUE(testing::decomposeRegion(square));
+  const View1<XY> all = m.Vertices;
+  m.Vertices = View1<XY>(all.data(), 4);  // no room for a fifth vertex
+  int added = 0;
+  bool status = false;
+  INSVTX(m, 1.0, 0.0, 1, added, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(INSVTX) Max number of vertices exceeded!"), std::string::npos);
+  m.Vertices = all;
+  m.NumPolygons = MaxSubPolygons;
+  INSEDG(m, 1, 3, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(INSEDG) Max number of polygons exceeded!"), std::string::npos);
+  m.NumPolygons = 1;
+  m.NumHalfEdges = MaxHalfEdges - 1;
+  INSEDG(m, 1, 3, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(INSEDG) Max number of polygon vertices exceeded!"), std::string::npos);
+  INSVTX(m, 1.0, 0.0, 1, added, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(INSVTX) Max number of polygon vertices exceeded!"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace kntr::mesher

@@ -1,0 +1,274 @@
+// The visibility scan against a direct test of every sight line, and the
+// steps after it: angular candidates, Voronoi neighbours, separators.
+#include "mesher/visibility.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "mesher/halfedge.h"
+#include "mesher/limits.h"
+#include "mesher/reflex.h"
+#include "support/mesh_runner.h"
+#include "support/mesh_shapes.h"
+
+namespace kntr::mesher {
+namespace {
+
+using testing::MesherTest;
+namespace shapes = testing::shapes;
+
+double cross(XY o, XY a, XY b) {
+  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
+
+bool properCross(XY a, XY b, XY c, XY d) {
+  const double d1 = cross(a, b, c), d2 = cross(a, b, d);
+  const double d3 = cross(c, d, a), d4 = cross(c, d, b);
+  return ((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) && ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0));
+}
+
+// Counterclockwise angle from direction a to direction b, in [0, 2 pi).
+double turn(XY a, XY b) {
+  double t = std::atan2(b.y, b.x) - std::atan2(a.y, a.x);
+  while (t < 0) t += 2 * Pi;
+  while (t >= 2 * Pi) t -= 2 * Pi;
+  return t;
+}
+
+// Is q seen from corner r of the polygon `poly` (r = poly[0])? The sight
+// line must leave r into the polygon and cross no edge. With `grazing`, a
+// sight line that touches a corner on its way counts as open (a point of a
+// shadow's edge is seen past the corner that casts it); without, it counts
+// as blocked (the random polygons avoid such lines among their corners).
+bool seen(const shapes::Polygon& poly, XY q, int skipEdge, bool grazing) {
+  const XY r = poly[0];
+  const XY next = poly[1], previous = poly.back();
+  const XY dq{q.x - r.x, q.y - r.y};
+  const double wedge = turn({next.x - r.x, next.y - r.y}, {previous.x - r.x, previous.y - r.y});
+  double at = turn({next.x - r.x, next.y - r.y}, dq);
+  if (grazing && at > 2 * Pi - 1e-9) at -= 2 * Pi;  // just before the first side
+  const double margin = grazing ? -1e-9 : 1e-9;
+  if (!(at > margin && at < wedge - margin) && !(q == next) && !(q == previous)) return false;
+  const int n = static_cast<int>(poly.size());
+  for (int i = 0; i < n; ++i) {
+    if (i == skipEdge) continue;
+    const XY a = poly[i], b = poly[(i + 1) % n];
+    if (a == q || b == q || a == r || b == r) continue;
+    if (grazing) {
+      // Crossing inside both, away from the ends by a margin.
+      const double det = (q.x - r.x) * (b.y - a.y) - (q.y - r.y) * (b.x - a.x);
+      if (det == 0) continue;
+      const double s = ((a.x - r.x) * (b.y - a.y) - (a.y - r.y) * (b.x - a.x)) / det;
+      const double t = ((a.x - r.x) * (q.y - r.y) - (a.y - r.y) * (q.x - r.x)) / det;
+      if (s > 1e-7 && s < 1 - 1e-7 && t > 1e-7 && t < 1 - 1e-7) return false;
+      continue;
+    }
+    if (properCross(r, q, a, b)) return false;
+    if (std::fabs(cross(r, q, a)) < 1e-12 &&
+        (a.x - r.x) * (q.x - a.x) + (a.y - r.y) * (q.y - a.y) > 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+struct Scan {
+  std::vector<double> x, y;
+  std::vector<int> label;
+  int top = -1;
+};
+
+// Run the scan from poly[0] over poly[1..].
+Scan scanFrom(const shapes::Polygon& poly, bool& status) {
+  const int n = static_cast<int>(poly.size()) - 2;  // last chain index
+  Scan s;
+  for (std::size_t i = 1; i < poly.size(); ++i) {
+    s.x.push_back(poly[i].x);
+    s.y.push_back(poly[i].y);
+  }
+  s.label.assign(s.x.size(), 0);
+  IQVSPG(poly[0].x, poly[0].y, n, View0<double>(s.x.data(), n + 1),
+         View0<double>(s.y.data(), n + 1), View0<int>(s.label.data(), n + 1), s.top, status);
+  return s;
+}
+
+// Rotate a polygon so that corner k comes first.
+shapes::Polygon from(const shapes::Polygon& p, int k) {
+  shapes::Polygon q(p.begin() + k, p.end());
+  q.insert(q.end(), p.begin(), p.begin() + k);
+  return q;
+}
+
+void expectScanMatchesSightLines(const shapes::Polygon& poly, const std::string& what) {
+  bool status = true;
+  const Scan s = scanFrom(poly, status);
+  ASSERT_FALSE(status) << what;
+  const int n = static_cast<int>(poly.size()) - 2;
+  std::set<int> found;
+  double previous = -1.0;
+  const XY r = poly[0];
+  const XY first{poly[1].x - r.x, poly[1].y - r.y};
+  for (int i = 0; i <= s.top; ++i) {
+    const int l = s.label[i];
+    const XY p{s.x[i], s.y[i]};
+    ASSERT_GE(l, -n) << what;
+    ASSERT_LE(l, n) << what;
+    if (l >= 0) {
+      EXPECT_EQ(p, poly[l + 1]) << what << " point " << i;
+      found.insert(l);
+    } else {
+      // On the inside of the edge from chain point -l - 1 to -l.
+      const XY a = poly[-l], b = poly[-l + 1];
+      EXPECT_NEAR(cross(a, b, p) / std::hypot(b.x - a.x, b.y - a.y), 0.0, 1e-9) << what;
+      EXPECT_TRUE(seen(poly, p, -l, true))
+          << what << " edge point " << i << " (" << p.x << ", " << p.y << ") label " << l;
+    }
+    // Counterclockwise around R, never turning back.
+    double at = turn(first, {p.x - r.x, p.y - r.y});
+    if (at > 2 * Pi - 1e-9) at -= 2 * Pi;  // on the first ray, rounded below it
+    const double a = (i == 0) ? 0.0 : at;
+    EXPECT_GE(a, previous - 1e-9) << what << " point " << i;
+    previous = a;
+  }
+  std::set<int> expected;
+  for (int i = 0; i <= n; ++i) {
+    if (seen(poly, poly[i + 1], -1, false)) expected.insert(i);
+  }
+  EXPECT_EQ(found, expected) << what;
+}
+
+TEST_F(MesherTest, IqvspgFromTheBottomOfAComb) {
+  // From the bottom right corner of the first gap: the two teeth beside it
+  // hide most of the comb.
+  const shapes::Polygon comb = shapes::comb(6);
+  int corner = -1;
+  for (std::size_t i = 0; i < comb.size(); ++i) {
+    if (comb[i] == XY{1.0, 1.0}) corner = static_cast<int>(i);
+  }
+  ASSERT_GE(corner, 0);
+  expectScanMatchesSightLines(from(comb, corner), "comb");
+}
+
+TEST_F(MesherTest, IqvspgMatchesSightLinesOnRandomPolygons) {
+  std::mt19937 random(4242);
+  int scans = 0;
+  for (int trial = 0; trial < 400; ++trial) {
+    const shapes::Polygon p = trial % 2 == 0 ? shapes::randomStar(random, 0, 0, 2, 10, 30)
+                                             : shapes::randomTangle(random, 0, 0, 10, 25);
+    if (!shapes::isSimpleRegion({{p}})) continue;
+    const int n = static_cast<int>(p.size());
+    for (int k = 0; k < n; ++k) {
+      const XY a = p[(k + n - 1) % n], b = p[k], c = p[(k + 1) % n];
+      if (IQANGL(a.x, a.y, b.x, b.y, c.x, c.y) <= Pi) continue;
+      expectScanMatchesSightLines(
+          from(p, k), "trial " + std::to_string(trial) + " corner " + std::to_string(k));
+      ++scans;
+    }
+  }
+  EXPECT_GT(scans, 1000);
+}
+
+// Points on a circle around R, all equally near: every one borders R's
+// Voronoi cell. A point far behind two near ones does not.
+TEST_F(MesherTest, MkvonbKeepsTheVoronoiNeighbours) {
+  std::vector<double> x, y;
+  for (int i = 0; i <= 6; ++i) {
+    x.push_back(std::cos(i * Pi / 6));
+    y.push_back(std::sin(i * Pi / 6));
+  }
+  std::vector<int> stack(7);
+  std::vector<double> cx(7), cy(7);
+  int top = -2;
+  bool status = true;
+  MKVONB(0, 0, 6, View0<const double>(x.data(), 7), View0<const double>(y.data(), 7), top,
+         View0<int>(stack.data(), 7), View0<double>(cx.data(), 7), View0<double>(cy.data(), 7),
+         status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(top, 6);
+  for (int i = 0; i <= 6; ++i) EXPECT_EQ(stack[i], i);
+
+  // Two near points at 60 and 120 degrees, and one ten times as far at 90.
+  x = {1, 0.5, 0, -0.5, -1};
+  y = {0, std::sqrt(0.75), 10, std::sqrt(0.75), 0};
+  MKVONB(0, 0, 4, View0<const double>(x.data(), 5), View0<const double>(y.data(), 5), top,
+         View0<int>(stack.data(), 5), View0<double>(cx.data(), 5), View0<double>(cy.data(), 5),
+         status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(top, 3);
+  EXPECT_EQ((std::vector<int>(stack.begin(), stack.begin() + 4)), (std::vector<int>{0, 1, 3, 4}));
+}
+
+TEST_F(MesherTest, MkvonbReportsParallelSightLines) {
+  std::vector<double> x = {1, 2}, y = {0, 0};
+  std::vector<int> stack(2);
+  std::vector<double> cx(2), cy(2);
+  int top = 0;
+  bool status = false;
+  MKVONB(0, 0, 1, View0<const double>(x.data(), 2), View0<const double>(y.data(), 2), top,
+         View0<int>(stack.data(), 2), View0<double>(cx.data(), 2), View0<double>(cy.data(), 2),
+         status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(MKVONB) Encountered parallel edges when intersecting!"),
+            std::string::npos);
+}
+
+// Seen from R = (0, 0), the chain (10, 0), (10, 10), (-10, 10) turns 45
+// degrees on its first edge and 90 on its second. An edge of at least twice
+// the 30-degree spacing gets points at even steps: 90 degrees makes 3 parts
+// of 30, so 2 points, labelled as lying inside the edge that ends at chain
+// point 2.
+TEST_F(MesherTest, MkvsanPutsPointsAtEvenAnglesOnWideEdges) {
+  std::vector<double> x(12, 0.0), y(12, 0.0), theta(12, 0.0);
+  std::vector<int> label(12, 0);
+  x[0] = 10, y[0] = 0, label[0] = 0;
+  x[1] = 10, y[1] = 10, label[1] = 1;
+  x[2] = -10, y[2] = 10, label[2] = 2;
+  int count = 0;
+  bool status = true;
+  MKVSAN(0, 0, 30 * Pi / 180, 2, View0<double>(x.data(), 12), View0<double>(y.data(), 12),
+         View0<int>(label.data(), 12), 11, count, View0<double>(theta.data(), 12), status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(count, 4);
+  EXPECT_EQ(label[0], 0);
+  EXPECT_EQ(theta[0], 0.0);
+  EXPECT_EQ(label[1], 1);
+  EXPECT_NEAR(theta[1], Pi / 4, 1e-15);
+  for (int i = 2; i <= 3; ++i) {
+    EXPECT_EQ(label[i], -2);
+    EXPECT_NEAR(theta[i], (45.0 + 30.0 * (i - 1)) * Pi / 180, 1e-12);
+    EXPECT_NEAR(y[i], 10.0, 1e-12);  // on the edge
+    EXPECT_NEAR(std::atan2(y[i], x[i]), theta[i], 1e-12);
+  }
+  EXPECT_EQ(label[4], 2);
+  EXPECT_NEAR(theta[4], 0.75 * Pi, 1e-15);
+}
+
+// Points on one ray from R keep only the nearest; a first point with the
+// next one on its ray goes.
+TEST_F(MesherTest, MkvsanThinsPointsOnOneRay) {
+  std::vector<double> x(8, 0.0), y(8, 0.0), theta(8, 0.0);
+  std::vector<int> label(8, 0);
+  // (4, 0), (2, 0) on the first ray; (1, 1), then (3, 3) behind it.
+  const double px[] = {4, 2, 1, 3, 0};
+  const double py[] = {0, 0, 1, 3, 2};
+  for (int i = 0; i < 5; ++i) x[i] = px[i], y[i] = py[i], label[i] = i;
+  int count = 0;
+  bool status = true;
+  MKVSAN(0, 0, 30 * Pi / 180, 4, View0<double>(x.data(), 8), View0<double>(y.data(), 8),
+         View0<int>(label.data(), 8), 7, count, View0<double>(theta.data(), 8), status);
+  ASSERT_FALSE(status);
+  ASSERT_EQ(count, 2);
+  EXPECT_EQ(label[0], 1);  // (4, 0) dropped for (2, 0)
+  EXPECT_EQ(label[1], 2);  // (1, 1) kept, (3, 3) behind it dropped
+  EXPECT_EQ(label[2], 4);
+  EXPECT_NEAR(theta[1], Pi / 4, 1e-15);
+  EXPECT_NEAR(theta[2], Pi / 2, 1e-15);
+}
+
+}  // namespace
+}  // namespace kntr::mesher
