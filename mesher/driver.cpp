@@ -49,12 +49,6 @@ int truncated(double value) {
   return static_cast<int>(value);
 }
 
-// The density handed to the density stage: 1 everywhere. It is read only
-// when the density blend asks for a user function, which it never does.
-double systemDensity(double, double) {
-  return 1.0;
-}
-
 // Index list of one polygon for the direction test.
 Array1<int, MaxPolyPoints> polygonIndex;
 // Triangle qualities of the quality search.
@@ -152,7 +146,7 @@ void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVerti
   RSRFAL(m, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
   numVertices = m.NumVertices;
   if (status) return;
-  SDCPET(m, systemDensity, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
+  SDCPET(m, DSFUNC, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
   numVertices = m.NumVertices;
   if (status) return;
   TRMSCP(m, triangles, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);

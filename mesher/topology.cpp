@@ -31,19 +31,19 @@ void fail(std::string_view message, bool& status) {
 
 int edgeKey(int edge, bool& status) {
   const Topology& t = topology();
-  return IHASH2(t.EdgeVertex(edge, 1), t.EdgeVertex(edge, 2), HashTableSize, status);
+  return IHASH2(t.EdgeVertex(edge, 1), t.EdgeVertex(edge, 2), EdgeHashSize, status);
 }
 
 int faceEdgeKey(int face, bool& status) {
   const Topology& t = topology();
   const int keys[3] = {t.FaceEdge(face, 1), t.FaceEdge(face, 2), t.FaceEdge(face, 3)};
-  return IHASHN(3, View1<const int>(keys, 3), HashTableSize, status);
+  return IHASHN(3, View1<const int>(keys, 3), FaceEdgeHashSize, status);
 }
 
 int faceVertexKey(int face, bool& status) {
   const Topology& t = topology();
   const int keys[3] = {t.FaceVertex(face, 1), t.FaceVertex(face, 2), t.FaceVertex(face, 3)};
-  return IHASHN(3, View1<const int>(keys, 3), HashTableSize, status);
+  return IHASHN(3, View1<const int>(keys, 3), FaceVertexHashSize, status);
 }
 
 bool sameSet(int a1, int a2, int a3, int b1, int b2, int b3) {
@@ -85,7 +85,7 @@ void MKFEHS(int face, bool& status) {
   Topology& t = topology();
   const int key = faceEdgeKey(face, status);
   if (status) return;
-  if (t.FaceEdgeHashCount(key) >= FaceHashSlots) {
+  if (t.FaceEdgeHashCount(key) >= FaceEdgeHashSlots) {
     fail("(MKFEHS) Face->edge hash list overflowed by too many collisions!", status);
     return;
   }
@@ -96,7 +96,7 @@ void MKFVHS(int face, bool& status) {
   Topology& t = topology();
   const int key = faceVertexKey(face, status);
   if (status) return;
-  if (t.FaceVertexHashCount(key) >= FaceHashSlots) {
+  if (t.FaceVertexHashCount(key) >= FaceVertexHashSlots) {
     fail("(MKFVHS) Face->vertex hash list overflowed by too many collisions!", status);
     return;
   }
@@ -116,7 +116,7 @@ void ISFACE(int v1, int v2, int v3, int& face, bool& status) {
   }
 
   // A face of the same vertices is there already.
-  const int vertexKey = IHASHN(3, View1<const int>(v, 3), HashTableSize, status);
+  const int vertexKey = IHASHN(3, View1<const int>(v, 3), FaceVertexHashSize, status);
   if (status) return;
   for (int k = 1; k <= t.FaceVertexHashCount(vertexKey); ++k) {
     const int f = t.FaceVertexHash(vertexKey, k);
@@ -129,7 +129,7 @@ void ISFACE(int v1, int v2, int v3, int& face, bool& status) {
     fail("(ISFACE) Max number of faces exceeded!", status);
     return;
   }
-  if (t.FaceVertexHashCount(vertexKey) >= FaceHashSlots) {
+  if (t.FaceVertexHashCount(vertexKey) >= FaceVertexHashSlots) {
     fail("(ISFACE) Face->vertex hash list overflowed by too many collisions!", status);
     return;
   }
@@ -145,7 +145,7 @@ void ISFACE(int v1, int v2, int v3, int& face, bool& status) {
   // Find or make the edge of each side.
   for (int j = 1; j <= 3; ++j) {
     const int a = v[j - 1], b = v[j % 3];
-    const int key = IHASH2(a, b, HashTableSize, status);
+    const int key = IHASH2(a, b, EdgeHashSize, status);
     if (status) return;
     int edge = 0;
     for (int k = 1; k <= t.EdgeHashCount(key) && edge == 0; ++k) {
@@ -179,7 +179,7 @@ void ISFACE(int v1, int v2, int v3, int& face, bool& status) {
 
   const int edgeSetKey = faceEdgeKey(f, status);
   if (status) return;
-  if (t.FaceEdgeHashCount(edgeSetKey) >= FaceHashSlots) {
+  if (t.FaceEdgeHashCount(edgeSetKey) >= FaceEdgeHashSlots) {
     fail("(ISFACE) Face->edge hash list overflowed by too many collisions!", status);
     return;
   }

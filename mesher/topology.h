@@ -7,8 +7,10 @@
 // edge of one face lies on the boundary (class 13), of two inside (11); a
 // vertex on a boundary edge has class 23, any other one 21.
 //
-// The hash tables have 199 entries; a chain holds at most 76 edges or 65
-// faces.
+// The edge table has 199 entries, the table of faces by edges 76 and the
+// table of faces by vertices 65. Each entry is a chain with room for about
+// four times its share of the largest mesh, so that the chains do not
+// overflow before the limits of faces and edges are reached.
 //
 //   ISFACE  add a face of three vertices, making its edges as needed
 //   MKEVHS  file an edge in the edge hash table by its vertices
@@ -22,9 +24,12 @@
 
 namespace kntr::mesher {
 
-inline constexpr int HashTableSize = 199;
-inline constexpr int EdgeHashSlots = 76;
-inline constexpr int FaceHashSlots = 65;
+inline constexpr int EdgeHashSize = 199;
+inline constexpr int FaceEdgeHashSize = 76;
+inline constexpr int FaceVertexHashSize = 65;
+inline constexpr int EdgeHashSlots = 4 * MaxEdges / EdgeHashSize;
+inline constexpr int FaceEdgeHashSlots = 4 * MaxFaces / FaceEdgeHashSize;
+inline constexpr int FaceVertexHashSlots = 4 * MaxFaces / FaceVertexHashSize;
 // Vertex numbers the tables can hold.
 inline constexpr int MaxTopologyVertices = 20000;
 
@@ -50,12 +55,12 @@ struct Topology {
   Array1<int, MaxTopologyVertices> VertexClass;  // 0 for a vertex of no face
 
   // Hash chains: the count of each entry and its items.
-  Array1<int, HashTableSize> EdgeHashCount;
-  Array2<int, HashTableSize, EdgeHashSlots> EdgeHash;
-  Array1<int, HashTableSize> FaceEdgeHashCount;
-  Array2<int, HashTableSize, FaceHashSlots> FaceEdgeHash;
-  Array1<int, HashTableSize> FaceVertexHashCount;
-  Array2<int, HashTableSize, FaceHashSlots> FaceVertexHash;
+  Array1<int, EdgeHashSize> EdgeHashCount;
+  Array2<int, EdgeHashSize, EdgeHashSlots> EdgeHash;
+  Array1<int, FaceEdgeHashSize> FaceEdgeHashCount;
+  Array2<int, FaceEdgeHashSize, FaceEdgeHashSlots> FaceEdgeHash;
+  Array1<int, FaceVertexHashSize> FaceVertexHashCount;
+  Array2<int, FaceVertexHashSize, FaceVertexHashSlots> FaceVertexHash;
 };
 
 // The one instance.

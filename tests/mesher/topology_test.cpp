@@ -162,7 +162,7 @@ TEST_F(TopologyTest, FullChainsAreReported) {
   face(1, 2, 3);
   bool status = false;
   // Fill the chains that this face's keys fall into, then file it again.
-  const int pair = IHASH2(1, 2, mesher::HashTableSize, status);
+  const int pair = IHASH2(1, 2, mesher::EdgeHashSize, status);
   topology().EdgeHashCount(pair) = mesher::EdgeHashSlots;
   type("\n");
   mesher::MKEVHS(1, status);
@@ -171,8 +171,8 @@ TEST_F(TopologyTest, FullChainsAreReported) {
             std::string::npos);
 
   const int vertices[3] = {1, 2, 3};
-  const int byVertices = IHASHN(3, View1<const int>(vertices, 3), mesher::HashTableSize, status);
-  topology().FaceVertexHashCount(byVertices) = mesher::FaceHashSlots;
+  const int byVertices = IHASHN(3, View1<const int>(vertices, 3), mesher::FaceVertexHashSize, status);
+  topology().FaceVertexHashCount(byVertices) = mesher::FaceVertexHashSlots;
   type("\n");
   mesher::MKFVHS(1, status);
   EXPECT_TRUE(status);
@@ -181,13 +181,30 @@ TEST_F(TopologyTest, FullChainsAreReported) {
 
   const int edges[3] = {topology().FaceEdge(1, 1), topology().FaceEdge(1, 2),
                         topology().FaceEdge(1, 3)};
-  const int byEdges = IHASHN(3, View1<const int>(edges, 3), mesher::HashTableSize, status);
-  topology().FaceEdgeHashCount(byEdges) = mesher::FaceHashSlots;
+  const int byEdges = IHASHN(3, View1<const int>(edges, 3), mesher::FaceEdgeHashSize, status);
+  topology().FaceEdgeHashCount(byEdges) = mesher::FaceEdgeHashSlots;
   type("\n");
   mesher::MKFEHS(1, status);
   EXPECT_TRUE(status);
   EXPECT_NE(output().find("(MKFEHS) Face->edge hash list overflowed by too many collisions!"),
             std::string::npos);
+}
+
+TEST_F(TopologyTest, ChainsHoldTheLargestMeshTheLimitsAllow) {
+  // A grid of 2 x 56 x 70 = 7840 triangles has 11886 edges: just under the
+  // edge limit. Every chain must take its share without overflowing.
+  const int columns = 57, rows = 71;
+  auto vertex = [&](int i, int j) { return (j - 1) * columns + i; };
+  bool status = false;
+  int f = 0;
+  for (int j = 1; j < rows && !status; ++j)
+    for (int i = 1; i < columns && !status; ++i) {
+      mesher::ISFACE(vertex(i, j), vertex(i + 1, j), vertex(i + 1, j + 1), f, status);
+      if (!status) mesher::ISFACE(vertex(i, j), vertex(i + 1, j + 1), vertex(i, j + 1), f, status);
+    }
+  EXPECT_FALSE(status) << output();
+  EXPECT_EQ(topology().NumFaces, 2 * (columns - 1) * (rows - 1));
+  EXPECT_LE(topology().NumEdges, mesher::MaxEdges);
 }
 
 TEST_F(TopologyTest, IllegalVertexNumberIsRefused) {
