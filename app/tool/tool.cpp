@@ -126,5 +126,6 @@ int main(int argc, char** argv) {
   const tool::Arguments arguments(argv + 2, argv + argc);
   if (command == "polyline") return tool::polylineCommand(arguments);
   if (command == "fair") return tool::fairCommand(arguments);
+  if (command == "mesh") return tool::meshCommand(arguments);
   return tool::usage("");
 }

@@ -13,6 +13,7 @@ using Arguments = std::vector<std::string>;
 // 2 wrong usage.
 int polylineCommand(const Arguments& arguments);
 int fairCommand(const Arguments& arguments);
+int meshCommand(const Arguments& arguments);
 
 // Loads a profile data file into the profile block; false when it failed.
 bool loadProfile(const std::string& name);

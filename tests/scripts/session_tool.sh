@@ -12,6 +12,26 @@ check "fair report" grep -Eq '^iterations [1-5] energy( [0-9.e+-]+)+ moved [0-9.
 check "faired file written" test -s faired.kntr
 "$KNTR_TOOL" fair faired.kntr 1 5 --along 1,0 --restraint 0.001 -o again.kntr >/dev/null
 check "directional fairing on the written file" test $? -eq 0
+for profile in square square-hole spline-lens; do
+  for count in 1000 5000 10000; do
+    "$KNTR_TOOL" mesh "$bench/$profile.kntr" --triangles "$count" --plain plain.txt >mesh.txt
+    check "$profile $count: exit 0" test $? -eq 0
+    made=$(awk '{print $4}' mesh.txt)
+    check "$profile $count: $made triangles within 25%" \
+      awk -v m="$made" -v c="$count" 'BEGIN { exit !(m >= 0.75 * c && m <= 1.25 * c) }'
+    check "$profile $count: figures line" \
+      grep -Eq '^vertices [0-9]+ triangles [0-9]+ quality( [0-9.e+-]+){4}$' mesh.txt
+    check "$profile $count: plain file counts" \
+      awk -v m="$made" 'NR == 1 { nv = $1; nt = $2; ok = (nt == m) } END { exit !(ok && NR == 1 + nv + nt) }' plain.txt
+  done
+done
+"$KNTR_TOOL" mesh "$bench/square-hole.kntr" --auto 0.85 --smooth --fem mesh.fem --tvew mesh.tvw >auto.txt
+check "auto quality exit 0" test $? -eq 0
+check "auto mean within 1% or above" awk '{ exit !($8 >= 0.85 * 0.99) }' auto.txt
+check "finite element file" grep -q '^element      1 201' mesh.fem
+check "viewer file header" grep -q '^\* FILE VERSION:    4' mesh.tvw
+"$KNTR_TOOL" mesh "$bench/square.kntr" --fem mesh.fem >/dev/null
+check "existing output is replaced" test $? -eq 0
 "$KNTR_TOOL" polyline missing.kntr 2>err.txt
 check "missing file exit 1" test $? -eq 1
 check "missing file message" grep -qF '"missing.kntr" is non-existent!' err.txt
