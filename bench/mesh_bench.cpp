@@ -7,6 +7,7 @@
 
 #include "mesher/driver.h"
 #include "mesher/structure.h"
+#include "platform/console.h"
 #include "profile/block.h"
 #include "profile/datafile.h"
 
@@ -18,6 +19,8 @@ namespace profile = kntr::profile;
 
 // Loads a reference profile into the profile block.
 bool loadProfile(const std::string& name) {
+  // The module's notices go to a memory screen, emptied as the runs go.
+  kntr::platform::testconsole::attach("");
   profile::resetProfileBlock();
   bool loaded = false, status = false;
   profile::GTKNTR(std::string(KNTR_SOURCE_DIR) + "/data/bench/" + name, true, loaded, status);
@@ -53,6 +56,7 @@ void meshProfile(benchmark::State& state, const char* name) {
                    kntr::View1<mesher::Triangle>(r.triangles), status);
     if (status) state.SkipWithError("the mesher failed");
     benchmark::DoNotOptimize(r.triangles.data());
+    kntr::platform::testconsole::takeOutput();
   }
   state.counters["triangles"] = numTriangles;
   state.counters["quality"] = mesher::lastMeshStatistics().mean;

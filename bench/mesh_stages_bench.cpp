@@ -11,6 +11,7 @@
 #include "mesher/quality.h"
 #include "mesher/structure.h"
 #include "mesher/triangles.h"
+#include "platform/console.h"
 #include "profile/block.h"
 #include "profile/datafile.h"
 
@@ -22,6 +23,8 @@ namespace profile = kntr::profile;
 
 // Loads a reference profile into the profile block.
 bool loadProfile(const std::string& name) {
+  // The module's notices go to a memory screen, emptied as the runs go.
+  kntr::platform::testconsole::attach("");
   profile::resetProfileBlock();
   bool loaded = false, status = false;
   profile::GTKNTR(std::string(KNTR_SOURCE_DIR) + "/data/bench/" + name, true, loaded, status);
@@ -75,6 +78,7 @@ void BM_ConvexStages(benchmark::State& state) {
                    kntr::View1<double>(m.RealAux), status);
     if (status) state.SkipWithError("the mesher failed");
     benchmark::DoNotOptimize(r.triangles.data());
+    kntr::platform::testconsole::takeOutput();
   }
   double minimum = 0.0, maximum = 0.0, mean = 0.0, deviation = 0.0;
   bool status = false;
