@@ -72,13 +72,12 @@ class DensityTest : public MeshTest {
   void shortEdgePolygon() { polygon({{0, 0}, {10, 0}, {10, 10}, {0.3, 10}, {0, 9.7}}); }
 };
 
-TEST_F(DensityTest, SquareHasConstantDensityAndStaysWhole) {
+TEST_F(DensityTest, SquaresWithoutCloseFeaturesHaveConstantDensity) {
   polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
   DensityLists l = lists();
   EXPECT_DOUBLE_EQ(l.PolygonWidth2(1), 100.0);
   mesher::IQCPSP(1, l.PolygonWidth2(1), l);
   EXPECT_EQ(l.NumSources, 0);
-
   bool status = false;
   density(200, status);
   ASSERT_FALSE(status);
@@ -88,20 +87,17 @@ TEST_F(DensityTest, SquareHasConstantDensityAndStaysWhole) {
   EXPECT_NEAR(m().PolygonDensity(1), 0.01, 1e-15);
   // 200 triangles of area h^2 / 2 fill 100.
   EXPECT_NEAR(m().PolygonSize(1), 1.0, 1e-12);
-}
 
-TEST_F(DensityTest, SplitSquareWithoutCloseFeaturesHasNoSources) {
+  // Split by the diagonal from (0, 0) to (10, 10): each half is a right
+  // isosceles triangle of width 10 / sqrt(2).
   polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
-  split(1, 3);  // the diagonal from (0, 0) to (10, 10)
-  DensityLists l = lists();
-  // Each half is a right isosceles triangle of width 10 / sqrt(2).
-  EXPECT_NEAR(l.PolygonWidth2(1), 50.0, 1e-12);
-  EXPECT_NEAR(l.PolygonWidth2(2), 50.0, 1e-12);
+  split(1, 3);
+  l = lists();
   for (int p = 1; p <= 2; ++p) {
+    EXPECT_NEAR(l.PolygonWidth2(p), 50.0, 1e-12);
     mesher::IQCPSP(p, l.PolygonWidth2(p), l);
     EXPECT_EQ(l.NumSources, 0) << "polygon " << p;
   }
-  bool status = false;
   density(1000, status);
   ASSERT_FALSE(status);
   EXPECT_EQ(m().NumPolygons, 2);
@@ -110,7 +106,7 @@ TEST_F(DensityTest, SplitSquareWithoutCloseFeaturesHasNoSources) {
   EXPECT_NEAR(m().PolygonSize(1), std::sqrt(0.2), 1e-12);
 }
 
-TEST_F(DensityTest, LocalSizesOfEdgesAndVertices) {
+TEST_F(DensityTest, LocalSizesAndSources) {
   shortEdgePolygon();
   DensityLists l = lists();
   // Edges in walking order from vertex 1; the short one is 4 -> 5.
@@ -133,12 +129,10 @@ TEST_F(DensityTest, LocalSizesOfEdgesAndVertices) {
   EXPECT_EQ(l.Sources(2), 4);
   EXPECT_EQ(l.Sources(3), 5);
   EXPECT_EQ(l.SourceWrap, 1);
-}
 
-TEST_F(DensityTest, SourcesOfAVertexAndWithoutWrap) {
   // The same shape from another start: its last edge is not a source.
   polygon({{10, 0}, {10, 10}, {0.3, 10}, {0, 9.7}, {0, 0}});
-  DensityLists l = lists();
+  l = lists();
   mesher::IQCPSP(1, l.PolygonWidth2(1), l);
   ASSERT_EQ(l.NumSources, 3);
   EXPECT_EQ(l.Sources(1), 2);
@@ -184,21 +178,26 @@ TEST_F(DensityTest, ShortEdgeSplitsThePolygonTowardsFinerSizes) {
     expected += m().PolygonArea(p) / (0.5 * m().PolygonSize(p) * m().PolygonSize(p));
   }
   EXPECT_NEAR(expected, 1000.0, 1e-6);
-}
 
-TEST_F(DensityTest, TenExpectedTrianglesAreNotSplit) {
   // The whole density integrates to 1, so a desired count of 10 leaves
-  // exactly 10 triangles to the single polygon, however uneven.
+  // exactly 10 triangles to the single polygon, however uneven; 11 split it.
   shortEdgePolygon();
-  bool status = false;
   density(10, status);
   ASSERT_FALSE(status);
   EXPECT_EQ(m().NumPolygons, 1);
-
   shortEdgePolygon();
   density(11, status);
   ASSERT_FALSE(status);
   EXPECT_GT(m().NumPolygons, 1);
+
+  // The system's own density function is even: nothing to split.
+  shortEdgePolygon();
+  m().UseDensityFunction = true;
+  density(1000, status);
+  ASSERT_FALSE(status);
+  EXPECT_EQ(m().NumPolygons, 1);
+  EXPECT_NEAR(m().PolygonDensity(1), 1.0 / m().PolygonArea(1), 1e-15);
+  EXPECT_EQ(mesher::DSFUNC(3.0, -7.0), 1.0);
 }
 
 TEST_F(DensityTest, GradingLiftsNeighboursToAQuarter) {
@@ -310,35 +309,17 @@ TEST_F(DensityTest, DensityFollowsTheEdgeSources) {
   EXPECT_GT(means[0], 2.0 * means[1]);
 }
 
-TEST_F(DensityTest, OwnDensityFunctionIsEven) {
-  polygon({{0, 0}, {10, 0}, {10, 10}, {0.3, 10}, {0, 9.7}});
-  m().UseDensityFunction = true;
-  bool status = false;
-  density(1000, status);
-  ASSERT_FALSE(status);
-  EXPECT_EQ(m().NumPolygons, 1);
-  EXPECT_NEAR(m().PolygonDensity(1), 1.0 / m().PolygonArea(1), 1e-15);
-  EXPECT_EQ(mesher::DSFUNC(3.0, -7.0), 1.0);
-}
-
 TEST_F(DensityTest, TooLittleRoomIsReported) {
   shortEdgePolygon();
   Array1<int, 5> smallInt;
   Array1<double, 5> smallReal;
-  type("\n");
   bool status = false;
   mesher::SDCPET(m(), mesher::DSFUNC, 100, View1<int>(smallInt), View1<double>(m().RealAux),
                  status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(SDCPET) Attempt to overflow integer auxiliary vector!"),
-            std::string::npos);
-
-  type("\n");
+  expectFailure(status, "(SDCPET) Attempt to overflow integer auxiliary vector!");
   mesher::SDCPET(m(), mesher::DSFUNC, 100, View1<int>(m().IntAux), View1<double>(smallReal),
                  status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(SDCPET) Attempt to overflow double precision auxiliary vector!"),
-            std::string::npos);
+  expectFailure(status, "(SDCPET) Attempt to overflow double precision auxiliary vector!");
 }
 
 }  // namespace

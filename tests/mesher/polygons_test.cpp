@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "mesher/limits.h"
-#include "support/mesh_runner.h"
+#include "support/mesh_fixture.h"
 #include "support/mesh_shapes.h"
 
 namespace kntr::mesher {
@@ -39,12 +39,6 @@ struct PolygonSet {
   View1<const int> list(int k) const {
     return View1<const int>(lists.data() + (k - 1) * stride, stride);
   }
-  View1<const int> allLists() const {
-    return View1<const int>(lists.data(), static_cast<int>(lists.size()));
-  }
-  View1<const int> allSizes() const {
-    return View1<const int>(sizes.data(), static_cast<int>(sizes.size()));
-  }
 };
 
 bool counterclockwise(const shapes::Polygon& p, bool& status) {
@@ -64,34 +58,18 @@ TEST_F(MesherTest, IqpldrFindsTheDirection) {
   EXPECT_TRUE(counterclockwise(shapes::shipSection(300), status));
   EXPECT_FALSE(counterclockwise(shapes::reversed(shapes::circle(0, 0, 1, 64)), status));
   EXPECT_FALSE(status);
-}
-
-TEST_F(MesherTest, IqpldrRefusesTooFewOrTooManyPoints) {
-  bool status = false;
-  counterclockwise({{0, 0}, {1, 0}}, status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(
-      output().find("(IQPLDR) Cannot establish polygon direction for a single point or line!"),
-      std::string::npos);
-  counterclockwise(shapes::circle(0, 0, 1, MaxPolyPoints + 1), status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(IQPLDR) Max internal number of polygon points exceeded!"),
-            std::string::npos);
-}
-
-// One repeated point makes one zero-length edge: that passes the test and
-// the polygon counts as clockwise, even when it is counterclockwise. Three
-// equal points in a row make two zero-length edges at one vertex.
-TEST_F(MesherTest, IqpldrCatchesCoincidingPointsOnlyThreeInARow) {
-  bool status = true;
-  const shapes::Polygon once = {{0, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}};
-  EXPECT_FALSE(counterclockwise(once, status));
+  // One repeated point makes one zero-length edge: that passes the test and
+  // the polygon counts as clockwise, even when it is counterclockwise.
+  EXPECT_FALSE(counterclockwise({{0, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}}, status));
   EXPECT_FALSE(status);
   EXPECT_EQ(output().find("coinciding"), std::string::npos);
-  const shapes::Polygon twice = {{0, 0}, {1, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}};
-  counterclockwise(twice, status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(IQPLDR) Found two consecutive coinciding points!"), std::string::npos);
+  // Three equal points in a row make two zero-length edges at one vertex.
+  counterclockwise({{0, 0}, {1, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}}, status);
+  expectFailure(status, "(IQPLDR) Found two consecutive coinciding points!");
+  counterclockwise({{0, 0}, {1, 0}}, status);
+  expectFailure(status, "(IQPLDR) Cannot establish polygon direction for a single point or line!");
+  counterclockwise(shapes::circle(0, 0, 1, MaxPolyPoints + 1), status);
+  expectFailure(status, "(IQPLDR) Max internal number of polygon points exceeded!");
 }
 
 TEST(Iqptin, TellsInsideFromOutside) {
@@ -109,98 +87,79 @@ TEST(Iqptin, TellsInsideFromOutside) {
   EXPECT_FALSE(in(0.0, 0.0));
 }
 
-struct Groups {
-  int count = 0;
-  std::vector<std::vector<int>> members;
-};
-
-Groups sortPolygons(const std::vector<shapes::Polygon>& polygons, bool& status) {
-  PolygonSet set(polygons);
-  Array1<int, MaxHoles> sizes;
-  Array1<int, MaxHoles * MaxHoles> members;
-  Groups groups;
-  SORTP2(MaxHoles, static_cast<int>(polygons.size()), set.stride, set.allSizes(), set.allLists(),
-         set.vertices(), groups.count, sizes, members, status);
-  for (int g = 1; g <= groups.count; ++g) {
-    std::vector<int> list;
-    for (int k = 1; k <= sizes(g); ++k) list.push_back(members((g - 1) * MaxHoles + k));
-    groups.members.push_back(list);
+TEST_F(MesherTest, Sortp2GroupsExteriorsWithTheirHoles) {
+  using Groups = std::vector<std::vector<int>>;
+  struct Case {
+    const char* what;
+    std::vector<shapes::Polygon> polygons;
+    Groups groups;
+  };
+  const Case cases[] = {
+      // The square with the ring as its hole, and the circle on its own,
+      // found in the second pass.
+      {"circle in a ring in a square",
+       {shapes::circle(0, 0, 1, 32), shapes::circle(0, 0, 3, 48), shapes::rectangle(-5, -5, 5, 5)},
+       {{3, 2}, {1}}},
+      {"holes go to their exteriors in polygon order",
+       {shapes::rectangle(20, 0, 30, 10), shapes::rectangle(1, 1, 2, 2),
+        shapes::rectangle(0, 0, 10, 10), shapes::rectangle(22, 2, 24, 4),
+        shapes::rectangle(5, 5, 6, 6)},
+       {{1, 4}, {3, 2, 5}}},
+      // Touching or crossing polygons are no error: each stands alone when
+      // neither has all its vertices inside the other.
+      {"touching and crossing polygons",
+       {shapes::rectangle(0, 0, 2, 2), shapes::rectangle(2, 0, 4, 2),
+        shapes::rectangle(1, 1, 3, 3)},
+       {{1}, {2}, {3}}},
+  };
+  for (const Case& c : cases) {
+    PolygonSet set(c.polygons);
+    Array1<int, MaxHoles> sizes;
+    Array1<int, MaxHoles * MaxHoles> members;
+    int count = 0;
+    bool status = true;
+    SORTP2(MaxHoles, static_cast<int>(c.polygons.size()), set.stride,
+           View1<const int>(set.sizes.data(), static_cast<int>(set.sizes.size())),
+           View1<const int>(set.lists.data(), static_cast<int>(set.lists.size())), set.vertices(),
+           count, sizes, members, status);
+    EXPECT_FALSE(status) << c.what;
+    Groups groups(static_cast<std::size_t>(count));
+    for (int g = 1; g <= count; ++g)
+      for (int k = 1; k <= sizes(g); ++k)
+        groups[static_cast<std::size_t>(g - 1)].push_back(members((g - 1) * MaxHoles + k));
+    EXPECT_EQ(groups, c.groups) << c.what;
   }
-  return groups;
-}
-
-// A circle inside a ring inside a square: the square with the ring as its
-// hole, and the circle on its own, found in the second pass.
-TEST_F(MesherTest, Sortp2NestsCircleRingAndSquare) {
-  bool status = true;
-  const Groups groups = sortPolygons(
-      {shapes::circle(0, 0, 1, 32), shapes::circle(0, 0, 3, 48), shapes::rectangle(-5, -5, 5, 5)},
-      status);
-  EXPECT_FALSE(status);
-  ASSERT_EQ(groups.count, 2);
-  EXPECT_EQ(groups.members[0], (std::vector<int>{3, 2}));
-  EXPECT_EQ(groups.members[1], (std::vector<int>{1}));
-}
-
-TEST_F(MesherTest, Sortp2GivesEachHoleToItsExteriorInPolygonOrder) {
-  bool status = true;
-  const Groups groups =
-      sortPolygons({shapes::rectangle(20, 0, 30, 10), shapes::rectangle(1, 1, 2, 2),
-                    shapes::rectangle(0, 0, 10, 10), shapes::rectangle(22, 2, 24, 4),
-                    shapes::rectangle(5, 5, 6, 6)},
-                   status);
-  EXPECT_FALSE(status);
-  ASSERT_EQ(groups.count, 2);
-  EXPECT_EQ(groups.members[0], (std::vector<int>{1, 4}));
-  EXPECT_EQ(groups.members[1], (std::vector<int>{3, 2, 5}));
-}
-
-// Touching or crossing polygons are no error: each stands alone when
-// neither has all its vertices inside the other.
-TEST_F(MesherTest, Sortp2TakesTouchingPolygonsWithoutMessage) {
-  bool status = true;
-  const Groups groups = sortPolygons(
-      {shapes::rectangle(0, 0, 2, 2), shapes::rectangle(2, 0, 4, 2), shapes::rectangle(1, 1, 3, 3)},
-      status);
-  EXPECT_FALSE(status);
   EXPECT_EQ(output(), "");
-  ASSERT_EQ(groups.count, 3);
-  EXPECT_EQ(groups.members[0], (std::vector<int>{1}));
-  EXPECT_EQ(groups.members[1], (std::vector<int>{2}));
-  EXPECT_EQ(groups.members[2], (std::vector<int>{3}));
-}
 
-TEST_F(MesherTest, Sortp2RefusesMoreThanItsPolygons) {
   std::vector<shapes::Polygon> many;
   for (int i = 0; i <= MaxSortPolygons; ++i)
     many.push_back(shapes::rectangle(3 * i, 0, 3 * i + 1, 1));
-  bool status = false;
   PolygonSet set(many);
   int groups = 0;
   Array1<int, MaxSortPolygons + 1> sizes;
   Array1<int, 10> members;
-  SORTP2(MaxHoles, MaxSortPolygons + 1, set.stride, set.allSizes(), set.allLists(), set.vertices(),
+  bool status = false;
+  SORTP2(MaxHoles, MaxSortPolygons + 1, set.stride,
+         View1<const int>(set.sizes.data(), MaxSortPolygons + 1),
+         View1<const int>(set.lists.data(), static_cast<int>(set.lists.size())), set.vertices(),
          groups, sizes, members, status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(SORTP2) Max internal number of polygons exceeded!"), std::string::npos);
+  expectFailure(status, "(SORTP2) Max internal number of polygons exceeded!");
 }
 
 TEST_F(MesherTest, MfpldrTurnsClockwisePolygonsAround) {
   shapes::Polygon p = shapes::reversed(shapes::lShape(3, 3, 1));
   bool status = true;
-  MFPLDR(static_cast<int>(p.size()), View1<XY>(p.data(), static_cast<int>(p.size())), status);
-  EXPECT_FALSE(status);
-  EXPECT_EQ(p, shapes::lShape(3, 3, 1));
-  MFPLDR(static_cast<int>(p.size()), View1<XY>(p.data(), static_cast<int>(p.size())), status);
-  EXPECT_EQ(p, shapes::lShape(3, 3, 1));
-
+  for (int twice = 0; twice < 2; ++twice) {
+    MFPLDR(static_cast<int>(p.size()), View1<XY>(p.data(), static_cast<int>(p.size())), status);
+    EXPECT_FALSE(status);
+    EXPECT_EQ(p, shapes::lShape(3, 3, 1));
+  }
   shapes::Polygon big = shapes::reversed(shapes::circle(0, 0, 1, MaxOrientPoints + 1));
   const shapes::Polygon before = big;
   MFPLDR(static_cast<int>(big.size()), View1<XY>(big.data(), static_cast<int>(big.size())), status);
   EXPECT_FALSE(status);
   EXPECT_EQ(big, before);
-  EXPECT_NE(output().find("(MFPLDR) Unable to check polygon orientation due to too many points"),
-            std::string::npos);
+  expectShown("(MFPLDR) Unable to check polygon orientation due to too many points");
 }
 
 bool crossesItself(const shapes::Polygon& p, bool closed) {
@@ -212,10 +171,10 @@ bool crossesItself(const shapes::Polygon& p, bool closed) {
 }
 
 TEST(Iqplsi, FindsAFigureEightButNotSharedEnds) {
-  // A figure eight: the path crosses itself in the middle of two segments.
+  // A figure eight: the path crosses itself in the middle of two segments,
+  // closed or open.
   const shapes::Polygon eight = {{0, 0}, {2, 2}, {2, 0}, {0, 2}};
   EXPECT_TRUE(crossesItself(eight, true));
-  // Open, the crossing segment pair is still there.
   EXPECT_TRUE(crossesItself(eight, false));
   // Without its closing segment a zigzag does not cross.
   EXPECT_FALSE(crossesItself({{0, 0}, {2, 2}, {2, 0}, {4, 2}}, false));
@@ -228,9 +187,8 @@ TEST(Iqplsi, FindsAFigureEightButNotSharedEnds) {
   const shapes::Polygon bow = {{1, 0}, {1, 1}, {0, 0}, {0, 1}};
   EXPECT_TRUE(crossesItself(bow, true));
   EXPECT_FALSE(crossesItself(bow, false));
-}
 
-TEST(Iqsgsg, GivesTheParametersAlongBothSegments) {
+  // The crossing's parameters along both segments.
   bool found = false;
   double s = 0, t = 0;
   IQSGSG({0, 0}, {4, 0}, {1, -1}, {1, 3}, found, s, t);

@@ -1,5 +1,5 @@
 // Triangle generation: edge points, the inset, rows, strips, and whole
-// convex polygons checked as meshes.
+// convex polygons checked as meshes, chosen and random.
 #include "mesher/triangles.h"
 
 #include <gtest/gtest.h>
@@ -31,39 +31,27 @@ class TrianglesTest : public MeshTest {
   // Vertices of polygon p's triangles that lie on the line x = c.
   std::set<int> verticesOnVertical(int p, double c) {
     std::set<int> found;
-    const int first = m().PolygonTriangleStart(p);
     const int last = p < m().NumPolygons ? m().PolygonTriangleStart(p + 1) - 1 : numTriangles_;
-    for (int t = first; t <= last; ++t) {
-      for (int j = 1; j <= 3; ++j) {
-        const int v = triangles()(t)(j);
-        if (std::fabs(m().Vertices(v).x - c) < 1e-12) found.insert(v);
-      }
-    }
+    for (int t = m().PolygonTriangleStart(p); t <= last; ++t)
+      for (int j = 1; j <= 3; ++j)
+        if (std::fabs(m().Vertices(triangles()(t)(j)).x - c) < 1e-12)
+          found.insert(triangles()(t)(j));
     return found;
   }
 
-  // True when every vertex lies on the region's boundary.
-  bool allOnBoundary() {
-    for (int v = 1; v <= m().NumVertices; ++v) {
-      const XY p = m().Vertices(v);
-      if (region_.contains(p, 1e-9) && !onBoundary(p)) return false;
-    }
-    return true;
-  }
-
-  bool onBoundary(const XY& p) {
-    for (const auto& poly : region_.polygons) {
-      for (std::size_t i = 0; i < poly.size(); ++i) {
-        const XY a = poly[i], b = poly[(i + 1) % poly.size()];
-        const double cross = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
-        const double along = (p.x - a.x) * (b.x - a.x) + (p.y - a.y) * (b.y - a.y);
-        const double length2 = (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
-        if (std::fabs(cross) <= 1e-9 * length2 && along >= -1e-12 && along <= length2 + 1e-12) {
-          return true;
-        }
-      }
-    }
-    return false;
+  // The inset of the closed polygon (x, y)(0..n) by d on every edge.
+  int inset(std::vector<double> x, std::vector<double> y, double d, std::vector<double>& sx,
+            std::vector<double>& sy, bool& status) {
+    const int n = static_cast<int>(x.size()) - 1;
+    std::vector<double> offsets(static_cast<std::size_t>(n), d);
+    std::vector<int> edges(x.size() + 4);
+    sx.assign(x.size() + 4, 0.0);
+    sy.assign(x.size() + 4, 0.0);
+    int count = 0;
+    mesher::SHRNCP(n, View0<const double>(x.data(), n + 1), View0<const double>(y.data(), n + 1),
+                   View0<const double>(offsets.data(), n), count, View0<double>(sx.data(), n + 4),
+                   View0<double>(sy.data(), n + 4), View0<int>(edges.data(), n + 4), status);
+    return count;
   }
 };
 
@@ -85,9 +73,8 @@ TEST_F(TrianglesTest, SharedEdgeIsCutAtTheGeometricMeanOfBothSizes) {
   EXPECT_EQ(m().EdgePointCount(shared), 3);
   EXPECT_EQ(m().EdgePointCount(twin), -3);
   EXPECT_EQ(m().EdgePointStart(shared), m().EdgePointStart(twin));
-  const int start = m().EdgePointStart(shared);
   for (int k = 0; k < 3; ++k) {
-    const XY p = m().Vertices(start + k);
+    const XY p = m().Vertices(m().EdgePointStart(shared) + k);
     EXPECT_NEAR(p.x, 8.0, 1e-15);
     EXPECT_NEAR(p.y, 2.0 * (k + 1), 1e-12) << "point " << k;
   }
@@ -101,28 +88,25 @@ TEST_F(TrianglesTest, SharedEdgeIsCutAtTheGeometricMeanOfBothSizes) {
   ASSERT_FALSE(status) << output();
   EXPECT_TRUE(meshIsProper());
   const std::set<int> fromLeft = verticesOnVertical(left, 8.0);
-  const std::set<int> fromRight = verticesOnVertical(3 - left, 8.0);
-  EXPECT_EQ(fromLeft, fromRight);
+  EXPECT_EQ(fromLeft, verticesOnVertical(3 - left, 8.0));
   EXPECT_EQ(fromLeft.size(), 5u);  // two corners and three points
-}
 
-TEST_F(TrianglesTest, EdgeGetsPointsFromOneAndAThirdSizes) {
   // One segment grows to two when the rest is above 1/3; two grow to three
   // above 2/5.
-  const std::vector<std::pair<double, int>> cases = {
-      {1.30, 0}, {1.34, 1}, {2.39, 1}, {2.41, 2}, {0.5, 0}};
-  for (const auto& [length, points] : cases) {
+  for (const auto& [length, points] :
+       std::vector<std::pair<double, int>>{{1.30, 0}, {1.34, 1}, {2.39, 1}, {2.41, 2}, {0.5, 0}}) {
     polygon({{0, 0}, {length, 0}, {length, length}, {0, length}});
     m().PolygonSize(1) = 1.0;
-    bool status = false;
     mesher::MKCPBM(m(), status);
     ASSERT_FALSE(status);
     EXPECT_EQ(m().EdgePointCount(1), points) << "length " << length;
   }
 }
 
-TEST_F(TrianglesTest, ThinPolygonFallsToTheZipOfTwoChains) {
-  // 30 x 1 with about 20 triangles: the inset of h / sqrt(2) leaves nothing.
+TEST_F(TrianglesTest, ThinPolygonsZipAndSmallOnesFan) {
+  // 30 x 1 with about 20 triangles: the inset of h / sqrt(2) leaves
+  // nothing, and a strip over the boundary points has two fewer triangles
+  // than points.
   polygon({{0, 0}, {30, 0}, {30, 1}, {0, 1}});
   bool status = false;
   meshAll(20, status);
@@ -130,17 +114,18 @@ TEST_F(TrianglesTest, ThinPolygonFallsToTheZipOfTwoChains) {
   ASSERT_EQ(m().NumPolygons, 1);
   EXPECT_GT(m().PolygonSize(1) / std::sqrt(2.0), 0.5);
   EXPECT_TRUE(meshIsProper());
-  EXPECT_TRUE(allOnBoundary());
-  // A strip over the boundary points: two fewer triangles than points.
+  for (int v = 1; v <= m().NumVertices; ++v) {
+    const XY p = m().Vertices(v);
+    EXPECT_TRUE(std::fabs(p.y) < 1e-9 || std::fabs(p.y - 1) < 1e-9 || std::fabs(p.x) < 1e-9 ||
+                std::fabs(p.x - 30) < 1e-9)
+        << "vertex " << v << " off the boundary";
+  }
   EXPECT_EQ(numTriangles_, m().NumVertices - 2);
-}
 
-TEST_F(TrianglesTest, SingleRowDegeneratesToAFan) {
   // A square of side 2 with h = 1.2: the inset leaves a small square with a
   // single row of one point, and the strip fans round it.
   polygon({{0, 0}, {2, 0}, {2, 2}, {0, 2}});
   m().PolygonSize(1) = 1.2;
-  bool status = false;
   triangulate(status);
   ASSERT_FALSE(status) << output();
   EXPECT_TRUE(meshIsProper());
@@ -154,15 +139,14 @@ TEST_F(TrianglesTest, SingleRowDegeneratesToAFan) {
   }
 }
 
-struct Shape {
-  const char* name;
-  std::vector<XY> points;
-  std::vector<std::pair<int, int>> splits;
-};
-
 TEST_F(TrianglesTest, ConvexPolygonsMeshProperlyNearTheDesiredCount) {
   const double r3 = std::sqrt(3.0);
-  const std::vector<Shape> shapes = {
+  struct Shape {
+    const char* name;
+    std::vector<XY> points;
+    std::vector<std::pair<int, int>> splits;
+  };
+  const Shape shapes[] = {
       {"square split in two", {{0, 0}, {10, 0}, {10, 10}, {0, 10}}, {{1, 3}}},
       {"regular hexagon", {{2, 0}, {1, r3}, {-1, r3}, {-2, 0}, {-1, -r3}, {1, -r3}}, {}},
       {"long thin rectangle", {{0, 0}, {40, 0}, {40, 1}, {0, 1}}, {}},
@@ -184,58 +168,39 @@ TEST_F(TrianglesTest, ConvexPolygonsMeshProperlyNearTheDesiredCount) {
   }
 }
 
-TEST_F(TrianglesTest, InsetOfKnownShapes) {
+TEST_F(TrianglesTest, InsetKeepsTheDistanceFromEveryEdge) {
+  std::vector<double> sx, sy;
   bool status = false;
-  int m = 0;
-  double sx[8], sy[8];
-  int edges[8];
-  double offsets[4] = {0.5, 0.5, 0.5, 0.5};
   // A 4 x 3 rectangle shrinks to 3 x 2.
-  double rx[5] = {0, 4, 4, 0, 0}, ry[5] = {0, 0, 3, 3, 0};
-  mesher::SHRNCP(4, View0<const double>(rx, 5), View0<const double>(ry, 5),
-                 View0<const double>(offsets, 4), m, View0<double>(sx, 8), View0<double>(sy, 8),
-                 View0<int>(edges, 8), status);
+  ASSERT_EQ(inset({0, 4, 4, 0, 0}, {0, 0, 3, 3, 0}, 0.5, sx, sy, status), 4);
   ASSERT_FALSE(status);
-  ASSERT_EQ(m, 4);
-  EXPECT_EQ(sx[m], sx[0]);
-  EXPECT_EQ(sy[m], sy[0]);
+  EXPECT_EQ(sx[4], sx[0]);
+  EXPECT_EQ(sy[4], sy[0]);
   std::set<std::pair<double, double>> corners;
-  for (int k = 0; k < 4; ++k) corners.insert({sx[k], sy[k]});
+  for (std::size_t k = 0; k < 4; ++k) corners.insert({sx[k], sy[k]});
   EXPECT_EQ(corners,
             (std::set<std::pair<double, double>>{{0.5, 0.5}, {3.5, 0.5}, {3.5, 2.5}, {0.5, 2.5}}));
-
   // An equilateral triangle of inradius 1 shrinks by 0.25 to one of inradius
   // 0.75, and by 1.25 to nothing.
   const double side = 2.0 * std::sqrt(3.0);
-  double tx[4] = {0, side, side / 2, 0}, ty[4] = {0, 0, 3.0, 0};
-  double small[3] = {0.25, 0.25, 0.25};
-  mesher::SHRNCP(3, View0<const double>(tx, 4), View0<const double>(ty, 4),
-                 View0<const double>(small, 3), m, View0<double>(sx, 8), View0<double>(sy, 8),
-                 View0<int>(edges, 8), status);
+  ASSERT_EQ(inset({0, side, side / 2, 0}, {0, 0, 3.0, 0}, 0.25, sx, sy, status), 3);
   ASSERT_FALSE(status);
-  ASSERT_EQ(m, 3);
-  const double area = mesher::IQCPAR(3, View1<const double>(sx, 3), View1<const double>(sy, 3));
-  EXPECT_NEAR(area, 3.0 * std::sqrt(3.0) * 0.75 * 0.75, 1e-12);
-  double large[3] = {1.25, 1.25, 1.25};
-  mesher::SHRNCP(3, View0<const double>(tx, 4), View0<const double>(ty, 4),
-                 View0<const double>(large, 3), m, View0<double>(sx, 8), View0<double>(sy, 8),
-                 View0<int>(edges, 8), status);
+  EXPECT_NEAR(
+      mesher::IQCPAR(3, View1<const double>(sx.data(), 3), View1<const double>(sy.data(), 3)),
+      3.0 * std::sqrt(3.0) * 0.75 * 0.75, 1e-12);
+  EXPECT_EQ(inset({0, side, side / 2, 0}, {0, 0, 3.0, 0}, 1.25, sx, sy, status), 0);
   EXPECT_FALSE(status);
-  EXPECT_EQ(m, 0);
-}
 
-TEST_F(TrianglesTest, InsetOfRandomConvexPolygonsKeepsTheDistance) {
-  // Every corner of the inset lies at the offset from the nearest edge line
-  // and inside all others.
+  // Random convex polygons: every corner of the inset lies at the offset
+  // from the nearest edge line and inside all others.
   const unsigned seed = 7;
   std::mt19937 rng(seed);
   std::uniform_real_distribution<double> unit(0.0, 1.0);
   for (int trial = 0; trial < 200; ++trial) {
     const int n = 3 + static_cast<int>(unit(rng) * 10);
-    std::vector<double> angles;
+    std::vector<double> angles, x, y;
     for (int k = 0; k < n; ++k) angles.push_back(unit(rng) * 2.0 * Pi);
     std::sort(angles.begin(), angles.end());
-    std::vector<double> x, y;
     for (const double a : angles) {
       x.push_back(5.0 * std::cos(a));
       y.push_back(3.0 * std::sin(a));
@@ -243,19 +208,12 @@ TEST_F(TrianglesTest, InsetOfRandomConvexPolygonsKeepsTheDistance) {
     x.push_back(x[0]);
     y.push_back(y[0]);
     const double d = 0.1 + unit(rng);
-    std::vector<double> offsets(n, d), sx(n + 1), sy(n + 1);
-    std::vector<int> edges(n + 1);
-    int m = 0;
-    bool status = false;
-    type("\n");
-    mesher::SHRNCP(n, View0<const double>(x.data(), n + 1), View0<const double>(y.data(), n + 1),
-                   View0<const double>(offsets.data(), n), m, View0<double>(sx.data(), n + 1),
-                   View0<double>(sy.data(), n + 1), View0<int>(edges.data(), n + 1), status);
+    const int count = inset(x, y, d, sx, sy, status);
     output();
     if (status) continue;  // two corners on top of each other: parallel edges
-    for (int k = 0; k < m; ++k) {
+    for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k) {
       double nearest = 1e300;
-      for (int e = 0; e < n; ++e) {
+      for (std::size_t e = 0; e < static_cast<std::size_t>(n); ++e) {
         const double dx = x[e + 1] - x[e], dy = y[e + 1] - y[e];
         const double left = (dx * (sy[k] - y[e]) - dy * (sx[k] - x[e])) / std::hypot(dx, dy);
         EXPECT_GT(left, d - 1e-9) << "seed " << seed << " trial " << trial;
@@ -264,24 +222,10 @@ TEST_F(TrianglesTest, InsetOfRandomConvexPolygonsKeepsTheDistance) {
       EXPECT_NEAR(nearest, d, 1e-9) << "seed " << seed << " trial " << trial;
     }
   }
-}
 
-TEST_F(TrianglesTest, ParallelEdgesCannotBeIntersected) {
   // A flat corner kept as a corner makes two consecutive parallel edges.
-  double x[6] = {0, 1, 2, 2, 0, 0}, y[6] = {0, 0, 0, 1, 1, 0};
-  double offsets[5] = {0.1, 0.1, 0.1, 0.1, 0.1}, sx[6], sy[6];
-  int edges[6];
-  int m = 0;
-  bool status = false;
-  type("\n");
-  mesher::SHRNCP(5, View0<const double>(x, 6), View0<const double>(y, 6),
-                 View0<const double>(offsets, 5), m, View0<double>(sx, 6), View0<double>(sy, 6),
-                 View0<int>(edges, 6), status);
-  EXPECT_TRUE(status);
-  EXPECT_EQ(m, 0);
-  EXPECT_NE(output().find("(SHRNCP) Encountered parallel edges when intersecting !"),
-            std::string::npos);
-
+  EXPECT_EQ(inset({0, 1, 2, 2, 0, 0}, {0, 0, 0, 1, 1, 0}, 0.1, sx, sy, status), 0);
+  expectFailure(status, "(SHRNCP) Encountered parallel edges when intersecting !");
   double px = 0.0, py = 0.0;
   EXPECT_FALSE(mesher::IQOFIN(0, 0, 1, 0, 1.0, 5, 2, 3, 2, 1.0, px, py));
   // y = 0 moved left (up) by 1 meets x = 0 (upward) moved left by 2.
@@ -304,9 +248,8 @@ TEST_F(TrianglesTest, TurnPutsTheDiameterUpright) {
   EXPECT_NEAR(y[4] - y[bottom], std::hypot(8.0, 4.0), 1e-12);
   // Turned back, each point is where it was, in the same cyclic order.
   for (int k = 0; k < 4; ++k) {
-    const int from = (k + 2) % 4;
-    EXPECT_NEAR(c * x[k] + s * y[k], original[from][0], 1e-12);
-    EXPECT_NEAR(c * y[k] - s * x[k], original[from][1], 1e-12);
+    EXPECT_NEAR(c * x[k] + s * y[k], original[(k + 2) % 4][0], 1e-12);
+    EXPECT_NEAR(c * y[k] - s * x[k], original[(k + 2) % 4][1], 1e-12);
   }
 }
 
@@ -327,22 +270,19 @@ TEST_F(TrianglesTest, RowsFillTheAreaInsideTheirWalk) {
                    walkLength, status);
     ASSERT_FALSE(status) << output();
     ASSERT_GT(walkLength, 0);
-    EXPECT_EQ(walk[0], walk[walkLength]);
-
+    EXPECT_EQ(walk[0], walk[static_cast<std::size_t>(walkLength)]);
     std::set<std::pair<int, int>> directed, steps;
-    double area = 0.0;
+    double area = 0.0, enclosed = 0.0;
     for (int t = 1; t <= numTriangles; ++t) {
       const Triangle& tri = triangles()(t);
       const XY a = v(tri(1)), b = v(tri(2)), c = v(tri(3));
       const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
       EXPECT_GT(twice, 0.0) << "h " << h << " triangle " << t;
       area += 0.5 * twice;
-      for (int j = 1; j <= 3; ++j) {
+      for (int j = 1; j <= 3; ++j)
         EXPECT_TRUE(directed.insert({tri(j), tri(j % 3 + 1)}).second) << "h " << h;
-      }
     }
-    double enclosed = 0.0;
-    for (int k = 0; k < walkLength; ++k) {
+    for (std::size_t k = 0; k < static_cast<std::size_t>(walkLength); ++k) {
       const XY a = v(walk[k]), b = v(walk[k + 1]);
       enclosed += 0.5 * (a.x * b.y - b.x * a.y);
       steps.insert({walk[k], walk[k + 1]});
@@ -359,60 +299,45 @@ TEST_F(TrianglesTest, RowsFillTheAreaInsideTheirWalk) {
 }
 
 TEST_F(TrianglesTest, ChainsAndRingsZipIntoProperStrips) {
-  // Two chains of a regular 12-gon between opposite corners.
-  std::vector<XY> ring;
+  // Two chains of a regular 12-gon between opposite corners, zipped; then a
+  // ring between a square of 12 boundary points and a small inner square.
   View1<XY> v = vertices();
+  std::vector<XY> ring, outer, inner = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
   for (int k = 0; k < 12; ++k) {
-    v(k + 1) = XY{3.0 * std::cos(k * Pi / 6), 3.0 * std::sin(k * Pi / 6)};
-    ring.push_back(v(k + 1));
+    ring.push_back({3.0 * std::cos(k * Pi / 6), 3.0 * std::sin(k * Pi / 6)});
+    const double t = -3.0 + 2.0 * (k % 3);
+    const int side = k / 3;
+    outer.push_back(side == 0   ? XY{t, -3}
+                    : side == 1 ? XY{3, t}
+                    : side == 2 ? XY{-t, 3}
+                                : XY{-3, -t});
   }
-  int a[7] = {1, 2, 3, 4, 5, 6, 7};
-  int b[7] = {1, 12, 11, 10, 9, 8, 7};
-  std::vector<int> sides(3 * 10), stack(10);
-  bool status = false;
-  mesher::MRGTRI(false, 10, 6, 6, View0<const int>(a, 7), View0<const int>(b, 7),
-                 View1<const XY>(v.data(), 12), triangles(),
-                 mesher::StripSides(View1<int>(sides.data(), 30)), status);
-  ASSERT_FALSE(status);
-  Region polygon12{{ring}};
-  EXPECT_TRUE(checkMesh(polygon12, View1<const XY>(v.data(), 12), 10,
-                        View1<const Triangle>(triangles().data(), 10)));
-  mesher::SWTRSP(false, 10, View1<const XY>(v.data(), 12), triangles(),
-                 mesher::StripSides(View1<int>(sides.data(), 30)), View1<int>(stack.data(), 10),
-                 status);
-  ASSERT_FALSE(status);
-  EXPECT_TRUE(checkMesh(polygon12, View1<const XY>(v.data(), 12), 10,
-                        View1<const Triangle>(triangles().data(), 10)));
-
-  // A ring between a square of 12 boundary points and a small inner square.
-  std::vector<XY> outer, inner;
-  for (int k = 0; k < 12; ++k) {
-    const int side = k / 3, step = k % 3;
-    const double t = -3.0 + 2.0 * step;
-    const XY p = side == 0 ? XY{t, -3} : side == 1 ? XY{3, t} : side == 2 ? XY{-t, 3} : XY{-3, -t};
-    v(k + 1) = p;
-    outer.push_back(p);
-  }
-  const XY small[4] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-  for (int k = 0; k < 4; ++k) {
-    v(13 + k) = small[k];
-    inner.push_back(small[k]);
-  }
+  std::vector<int> sides(3 * 16), stack(16);
+  auto zip = [&](bool closed, int count, int numA, int numB, const int* a, const int* b,
+                 const TestRegion& region) {
+    bool status = false;
+    const View1<const XY> points(v.data(), closed ? 16 : 12);
+    mesher::MRGTRI(closed, count, numA, numB, View0<const int>(a, numA + 1),
+                   View0<const int>(b, numB + 1), points, triangles(),
+                   mesher::StripSides(View1<int>(sides.data(), 3 * count)), status);
+    ASSERT_FALSE(status);
+    const View1<const Triangle> made(triangles().data(), count);
+    EXPECT_TRUE(checkTriangles(region, points, count, made));
+    mesher::SWTRSP(closed, count, points, triangles(),
+                   mesher::StripSides(View1<int>(sides.data(), 3 * count)),
+                   View1<int>(stack.data(), count), status);
+    ASSERT_FALSE(status);
+    EXPECT_TRUE(checkTriangles(region, points, count, made));
+  };
+  for (int k = 0; k < 12; ++k) v(k + 1) = ring[static_cast<std::size_t>(k)];
+  const int a[7] = {1, 2, 3, 4, 5, 6, 7}, b[7] = {1, 12, 11, 10, 9, 8, 7};
+  zip(false, 10, 6, 6, a, b, {{ring}});
+  for (int k = 0; k < 12; ++k) v(k + 1) = outer[static_cast<std::size_t>(k)];
+  for (int k = 0; k < 4; ++k) v(13 + k) = inner[static_cast<std::size_t>(k)];
   int listA[13], listB[5];
   for (int k = 0; k <= 12; ++k) listA[k] = k % 12 + 1;
   for (int k = 0; k <= 4; ++k) listB[k] = k % 4 + 13;
-  std::vector<int> ringSides(3 * 16), ringStack(16);
-  mesher::MRGTRI(true, 16, 12, 4, View0<const int>(listA, 13), View0<const int>(listB, 5),
-                 View1<const XY>(v.data(), 16), triangles(),
-                 mesher::StripSides(View1<int>(ringSides.data(), 48)), status);
-  ASSERT_FALSE(status);
-  mesher::SWTRSP(true, 16, View1<const XY>(v.data(), 16), triangles(),
-                 mesher::StripSides(View1<int>(ringSides.data(), 48)),
-                 View1<int>(ringStack.data(), 16), status);
-  ASSERT_FALSE(status);
-  Region annulus{{outer, inner}};
-  EXPECT_TRUE(checkMesh(annulus, View1<const XY>(v.data(), 16), 16,
-                        View1<const Triangle>(triangles().data(), 16)));
+  zip(true, 16, 12, 4, listA, listB, {{outer, inner}});
 }
 
 TEST(DiagonalTest, CircumcircleRuleDecides) {
@@ -431,20 +356,100 @@ TEST_F(TrianglesTest, RunningOutOfRoomIsReported) {
   polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
   m().PolygonSize(1) = 1.0;
   bool status = false;
-  type("\n");
   Array1<Triangle, 20> few;
   mesher::TRMSCP(m(), View1<Triangle>(few), numTriangles_, View1<int>(m().IntAux),
                  View1<double>(m().RealAux), status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(TRQUCP) Max number of triangles exceeded!"), std::string::npos);
-
+  expectFailure(status, "(TRQUCP) Max number of triangles exceeded!");
   polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
   m().PolygonSize(1) = 1.0;
   m().Vertices = View1<XY>(vertices().data(), 20);
-  type("\n");
   mesher::MKCPBM(m(), status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(MKCPBM) Max allowed number of vertices exceeded!"), std::string::npos);
+  expectFailure(status, "(MKCPBM) Max allowed number of vertices exceeded!");
+}
+
+// Random convex decompositions through the density and triangle stages: a
+// convex polygon on a turned ellipse, with flat points put into some edges
+// as the decomposition leaves them, cut by up to two random diagonals. Each
+// meshes properly or fails with one of these stages' messages.
+TEST_F(TrianglesTest, RandomConvexDecompositionsMeshOrFailCleanly) {
+  const unsigned seed = 4711;
+  std::mt19937 rng(seed);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  int meshed = 0, refused = 0;
+  for (int trial = 0; trial < 3000; ++trial) {
+    const int n = 3 + static_cast<int>(unit(rng) * 12);
+    const double aspect = std::pow(10.0, -2.0 * unit(rng));
+    const double turn = unit(rng) * 2.0 * Pi;
+    const double scale = std::pow(10.0, 3.0 * unit(rng) - 1.0);
+    std::vector<double> angles;
+    for (int i = 0; i < n; ++i) angles.push_back(unit(rng) * 2.0 * Pi);
+    std::sort(angles.begin(), angles.end());
+    std::vector<XY> corners;
+    for (const double a : angles) {
+      const double x = std::cos(a) * scale, y = std::sin(a) * scale * aspect;
+      const XY p{x * std::cos(turn) - y * std::sin(turn) + 3.0,
+                 x * std::sin(turn) + y * std::cos(turn) - 1.0};
+      if (corners.empty() ||
+          std::hypot(p.x - corners.back().x, p.y - corners.back().y) >= 0.02 * scale)
+        corners.push_back(p);
+    }
+    const int desired = 1 + static_cast<int>(std::pow(10.0, 3.3 * unit(rng)));
+    if (corners.size() < 3) continue;
+    std::vector<XY> points;
+    std::vector<int> flat;
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+      points.push_back(corners[i]);
+      if (unit(rng) < 0.3) {
+        const XY& a = corners[i];
+        const XY& b = corners[(i + 1) % corners.size()];
+        const double t = 0.2 + 0.6 * unit(rng);
+        points.push_back({a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)});
+        flat.push_back(static_cast<int>(points.size()));
+      }
+    }
+    polygon(points);
+    region_.polygons = {corners};
+    for (const int f : flat) m().CornerAngle(f) = Pi;  // as a vertex put into an edge has
+    const int cuts = static_cast<int>(unit(rng) * 3);
+    for (int k = 0; k < cuts; ++k) {
+      std::vector<int> cycle;
+      int h = m().PolygonFirst(1);
+      do {
+        cycle.push_back(h);
+        h = m().HalfEdge(h).Next;
+      } while (h != m().PolygonFirst(1));
+      if (cycle.size() < 4) break;
+      const std::size_t i = static_cast<std::size_t>(unit(rng) * static_cast<double>(cycle.size()));
+      const std::size_t j =
+          (i + 2 + static_cast<std::size_t>(unit(rng) * (cycle.size() - 3))) % cycle.size();
+      bool status = false;
+      mesher::INSEDG(m(), cycle[i], cycle[j], status);
+    }
+    // Too degenerate to stand for a decomposition: a corner below half a degree.
+    bool degenerate = false;
+    for (int h = 1; h <= m().NumHalfEdges; ++h)
+      degenerate = degenerate || m().CornerAngle(h) > Pi + 1e-12 || m().CornerAngle(h) < 0.01;
+    if (degenerate) continue;
+    bool status = false;
+    meshAll(desired, status);
+    const std::string said = output();
+    if (status) {
+      const std::string message = firstMesherMessage(said);
+      bool known = false;
+      for (const char* text :
+           {"(SDCPMV) Could not locate separator within given angular tolerance!",
+            "(SHRNCP) Encountered parallel edges when intersecting !",
+            "(MRGTRI) Internal error - illegal triangle formed!"})
+        known = known || message.rfind(text, 0) == 0;
+      EXPECT_TRUE(known) << "seed " << seed << " trial " << trial << ": " << said;
+      ++refused;
+      continue;
+    }
+    EXPECT_TRUE(meshIsProper()) << "seed " << seed << " trial " << trial << " desired " << desired;
+    EXPECT_EQ(said, "") << "seed " << seed << " trial " << trial;
+    ++meshed;
+  }
+  EXPECT_GT(meshed, 20 * refused) << "seed " << seed;
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 #include "mesher/halfedge.h"
 #include "mesher/limits.h"
 #include "mesher/reflex.h"
-#include "support/mesh_runner.h"
+#include "support/mesh_fixture.h"
 #include "support/mesh_shapes.h"
 
 namespace kntr::mesher {
@@ -77,26 +77,6 @@ bool seen(const shapes::Polygon& poly, XY q, int skipEdge, bool grazing) {
   return true;
 }
 
-struct Scan {
-  std::vector<double> x, y;
-  std::vector<int> label;
-  int top = -1;
-};
-
-// Run the scan from poly[0] over poly[1..].
-Scan scanFrom(const shapes::Polygon& poly, bool& status) {
-  const int n = static_cast<int>(poly.size()) - 2;  // last chain index
-  Scan s;
-  for (std::size_t i = 1; i < poly.size(); ++i) {
-    s.x.push_back(poly[i].x);
-    s.y.push_back(poly[i].y);
-  }
-  s.label.assign(s.x.size(), 0);
-  IQVSPG(poly[0].x, poly[0].y, n, View0<double>(s.x.data(), n + 1),
-         View0<double>(s.y.data(), n + 1), View0<int>(s.label.data(), n + 1), s.top, status);
-  return s;
-}
-
 // Rotate a polygon so that corner k comes first.
 shapes::Polygon from(const shapes::Polygon& p, int k) {
   shapes::Polygon q(p.begin() + k, p.end());
@@ -104,18 +84,28 @@ shapes::Polygon from(const shapes::Polygon& p, int k) {
   return q;
 }
 
+// Run the scan from poly[0] over the chain poly[1..] and hold what it sees
+// against the sight lines.
 void expectScanMatchesSightLines(const shapes::Polygon& poly, const std::string& what) {
+  const int n = static_cast<int>(poly.size()) - 2;  // last chain index
+  std::vector<double> x, y;
+  for (std::size_t i = 1; i < poly.size(); ++i) {
+    x.push_back(poly[i].x);
+    y.push_back(poly[i].y);
+  }
+  std::vector<int> label(x.size(), 0);
+  int top = -1;
   bool status = true;
-  const Scan s = scanFrom(poly, status);
+  IQVSPG(poly[0].x, poly[0].y, n, View0<double>(x.data(), n + 1), View0<double>(y.data(), n + 1),
+         View0<int>(label.data(), n + 1), top, status);
   ASSERT_FALSE(status) << what;
-  const int n = static_cast<int>(poly.size()) - 2;
   std::set<int> found;
   double previous = -1.0;
   const XY r = poly[0];
   const XY first{poly[1].x - r.x, poly[1].y - r.y};
-  for (int i = 0; i <= s.top; ++i) {
-    const int l = s.label[i];
-    const XY p{s.x[i], s.y[i]};
+  for (int i = 0; i <= top; ++i) {
+    const int l = label[i];
+    const XY p{x[i], y[i]};
     ASSERT_GE(l, -n) << what;
     ASSERT_LE(l, n) << what;
     if (l >= 0) {
@@ -142,19 +132,15 @@ void expectScanMatchesSightLines(const shapes::Polygon& poly, const std::string&
   EXPECT_EQ(found, expected) << what;
 }
 
-TEST_F(MesherTest, IqvspgFromTheBottomOfAComb) {
-  // From the bottom right corner of the first gap: the two teeth beside it
-  // hide most of the comb.
+TEST_F(MesherTest, IqvspgMatchesSightLines) {
+  // From the bottom right corner of the first gap of a comb: the two teeth
+  // beside it hide most of the comb.
   const shapes::Polygon comb = shapes::comb(6);
-  int corner = -1;
-  for (std::size_t i = 0; i < comb.size(); ++i) {
-    if (comb[i] == XY{1.0, 1.0}) corner = static_cast<int>(i);
-  }
-  ASSERT_GE(corner, 0);
-  expectScanMatchesSightLines(from(comb, corner), "comb");
-}
+  const auto corner = std::find(comb.begin(), comb.end(), XY{1.0, 1.0});
+  ASSERT_NE(corner, comb.end());
+  expectScanMatchesSightLines(from(comb, static_cast<int>(corner - comb.begin())), "comb");
 
-TEST_F(MesherTest, IqvspgMatchesSightLinesOnRandomPolygons) {
+  // From every reflex corner of random polygons.
   std::mt19937 random(4242);
   int scans = 0;
   for (int trial = 0; trial < 400; ++trial) {
@@ -201,73 +187,68 @@ TEST_F(MesherTest, MkvonbKeepsTheVoronoiNeighbours) {
   ASSERT_FALSE(status);
   ASSERT_EQ(top, 3);
   EXPECT_EQ((std::vector<int>(stack.begin(), stack.begin() + 4)), (std::vector<int>{0, 1, 3, 4}));
-}
 
-TEST_F(MesherTest, MkvonbReportsParallelSightLines) {
-  std::vector<double> x = {1, 2}, y = {0, 0};
-  std::vector<int> stack(2);
-  std::vector<double> cx(2), cy(2);
-  int top = 0;
-  bool status = false;
+  // Two points on one sight line.
+  x = {1, 2};
+  y = {0, 0};
   MKVONB(0, 0, 1, View0<const double>(x.data(), 2), View0<const double>(y.data(), 2), top,
          View0<int>(stack.data(), 2), View0<double>(cx.data(), 2), View0<double>(cy.data(), 2),
          status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(MKVONB) Encountered parallel edges when intersecting!"),
-            std::string::npos);
+  expectFailure(status, "(MKVONB) Encountered parallel edges when intersecting!");
 }
 
-// Seen from R = (0, 0), the chain (10, 0), (10, 10), (-10, 10) turns 45
-// degrees on its first edge and 90 on its second. An edge of at least twice
-// the 30-degree spacing gets points at even steps: 90 degrees makes 3 parts
-// of 30, so 2 points, labelled as lying inside the edge that ends at chain
-// point 2.
-TEST_F(MesherTest, MkvsanPutsPointsAtEvenAnglesOnWideEdges) {
-  std::vector<double> x(12, 0.0), y(12, 0.0), theta(12, 0.0);
-  std::vector<int> label(12, 0);
-  x[0] = 10, y[0] = 0, label[0] = 0;
-  x[1] = 10, y[1] = 10, label[1] = 1;
-  x[2] = -10, y[2] = 10, label[2] = 2;
+// The candidates around R = (0, 0) from a chain of points, in room for 12.
+struct Candidates {
+  std::vector<double> x = std::vector<double>(12), y = std::vector<double>(12),
+                      theta = std::vector<double>(12);
+  std::vector<int> label = std::vector<int>(12);
   int count = 0;
   bool status = true;
-  MKVSAN(0, 0, 30 * Pi / 180, 2, View0<double>(x.data(), 12), View0<double>(y.data(), 12),
-         View0<int>(label.data(), 12), 11, count, View0<double>(theta.data(), 12), status);
-  ASSERT_FALSE(status);
-  ASSERT_EQ(count, 4);
-  EXPECT_EQ(label[0], 0);
-  EXPECT_EQ(theta[0], 0.0);
-  EXPECT_EQ(label[1], 1);
-  EXPECT_NEAR(theta[1], Pi / 4, 1e-15);
-  for (int i = 2; i <= 3; ++i) {
-    EXPECT_EQ(label[i], -2);
-    EXPECT_NEAR(theta[i], (45.0 + 30.0 * (i - 1)) * Pi / 180, 1e-12);
-    EXPECT_NEAR(y[i], 10.0, 1e-12);  // on the edge
-    EXPECT_NEAR(std::atan2(y[i], x[i]), theta[i], 1e-12);
+
+  explicit Candidates(const std::vector<XY>& chain) {
+    for (std::size_t i = 0; i < chain.size(); ++i) {
+      x[i] = chain[i].x;
+      y[i] = chain[i].y;
+      label[i] = static_cast<int>(i);
+    }
+    MKVSAN(0, 0, 30 * Pi / 180, static_cast<int>(chain.size()) - 1, View0<double>(x.data(), 12),
+           View0<double>(y.data(), 12), View0<int>(label.data(), 12), 11, count,
+           View0<double>(theta.data(), 12), status);
   }
-  EXPECT_EQ(label[4], 2);
-  EXPECT_NEAR(theta[4], 0.75 * Pi, 1e-15);
-}
+};
 
-// Points on one ray from R keep only the nearest; a first point with the
-// next one on its ray goes.
-TEST_F(MesherTest, MkvsanThinsPointsOnOneRay) {
-  std::vector<double> x(8, 0.0), y(8, 0.0), theta(8, 0.0);
-  std::vector<int> label(8, 0);
-  // (4, 0), (2, 0) on the first ray; (1, 1), then (3, 3) behind it.
-  const double px[] = {4, 2, 1, 3, 0};
-  const double py[] = {0, 0, 1, 3, 2};
-  for (int i = 0; i < 5; ++i) x[i] = px[i], y[i] = py[i], label[i] = i;
-  int count = 0;
-  bool status = true;
-  MKVSAN(0, 0, 30 * Pi / 180, 4, View0<double>(x.data(), 8), View0<double>(y.data(), 8),
-         View0<int>(label.data(), 8), 7, count, View0<double>(theta.data(), 8), status);
-  ASSERT_FALSE(status);
-  ASSERT_EQ(count, 2);
-  EXPECT_EQ(label[0], 1);  // (4, 0) dropped for (2, 0)
-  EXPECT_EQ(label[1], 2);  // (1, 1) kept, (3, 3) behind it dropped
-  EXPECT_EQ(label[2], 4);
-  EXPECT_NEAR(theta[1], Pi / 4, 1e-15);
-  EXPECT_NEAR(theta[2], Pi / 2, 1e-15);
+TEST_F(MesherTest, MkvsanSpacesAndThinsTheCandidates) {
+  // The chain (10, 0), (10, 10), (-10, 10) turns 45 degrees on its first
+  // edge and 90 on its second. An edge of at least twice the 30-degree
+  // spacing gets points at even steps: 90 degrees makes 3 parts of 30, so 2
+  // points, labelled as lying inside the edge that ends at chain point 2.
+  const Candidates wide({{10, 0}, {10, 10}, {-10, 10}});
+  ASSERT_FALSE(wide.status);
+  ASSERT_EQ(wide.count, 4);
+  EXPECT_EQ(wide.label[0], 0);
+  EXPECT_EQ(wide.theta[0], 0.0);
+  EXPECT_EQ(wide.label[1], 1);
+  EXPECT_NEAR(wide.theta[1], Pi / 4, 1e-15);
+  for (std::size_t i = 2; i <= 3; ++i) {
+    EXPECT_EQ(wide.label[i], -2);
+    EXPECT_NEAR(wide.theta[i], (45.0 + 30.0 * static_cast<double>(i - 1)) * Pi / 180, 1e-12);
+    EXPECT_NEAR(wide.y[i], 10.0, 1e-12);  // on the edge
+    EXPECT_NEAR(std::atan2(wide.y[i], wide.x[i]), wide.theta[i], 1e-12);
+  }
+  EXPECT_EQ(wide.label[4], 2);
+  EXPECT_NEAR(wide.theta[4], 0.75 * Pi, 1e-15);
+
+  // Points on one ray from R keep only the nearest; a first point with the
+  // next one on its ray goes: (4, 0), (2, 0) on the first ray; (1, 1), then
+  // (3, 3) behind it.
+  const Candidates thin({{4, 0}, {2, 0}, {1, 1}, {3, 3}, {0, 2}});
+  ASSERT_FALSE(thin.status);
+  ASSERT_EQ(thin.count, 2);
+  EXPECT_EQ(thin.label[0], 1);  // (4, 0) dropped for (2, 0)
+  EXPECT_EQ(thin.label[1], 2);  // (1, 1) kept, (3, 3) behind it dropped
+  EXPECT_EQ(thin.label[2], 4);
+  EXPECT_NEAR(thin.theta[1], Pi / 4, 1e-15);
+  EXPECT_NEAR(thin.theta[2], Pi / 2, 1e-15);
 }
 
 }  // namespace

@@ -68,9 +68,9 @@ FairRun fair(SplineRecord& rec, int point, int maxIterations, bool local, double
 TEST_F(Fairing, EnergyIsTheIntegralOfTheSquaredSecondDerivative) {
   auto rec = circle(7, 3.0);
   rec->OFFPNT(3) = P(rec->OFFPNT(3)(1) * 1.2, rec->OFFPNT(3)(2), 0.4);
-  bool failed = true;
-  MKIKV3(ParamChordLength, *rec, failed);
+  testing::chordKnots(*rec);
   auto solved = std::make_unique<HermiteCurve>();
+  bool failed = true;
   HCTAN3(500, Origin, XNormal, SideNone, 0.0, *rec, *solved, failed);
   ASSERT_FALSE(failed);
 
@@ -91,8 +91,7 @@ TEST_F(Fairing, ADisplacedPointMovesBackAndTheEnergyFalls) {
   for (bool local : {true, false}) {
     auto rec = circle(12, 5.0);
     rec->OFFPNT(4) = P(rec->OFFPNT(4)(1) * 1.2, rec->OFFPNT(4)(2) * 1.2);
-    bool failed = true;
-    MKIKV3(ParamChordLength, *rec, failed);
+    testing::chordKnots(*rec);
     const double before = std::hypot(rec->OFFPNT(4)(1), rec->OFFPNT(4)(2));
     FairRun r = fair(*rec, 4, 30, local, -1.0);
     ASSERT_FALSE(r.failed);
@@ -110,8 +109,7 @@ TEST_F(Fairing, ADisplacedPointMovesBackAndTheEnergyFalls) {
 TEST_F(Fairing, DirectionalFairingMovesAlongTheDirectionOnly) {
   auto rec = circle(10, 4.0);
   rec->OFFPNT(3) = P(rec->OFFPNT(3)(1) + 0.7, rec->OFFPNT(3)(2) + 0.2);
-  bool failed = true;
-  MKIKV3(ParamChordLength, *rec, failed);
+  testing::chordKnots(*rec);
   const Triple start = rec->OFFPNT(3);
   FairRun r = fair(*rec, 3, 5, true, -1.0, true, P(1, 2));
   ASSERT_FALSE(r.failed);
@@ -123,8 +121,7 @@ TEST_F(Fairing, DirectionalFairingMovesAlongTheDirectionOnly) {
 TEST_F(Fairing, RestraintScalesTheStepByItsDistance) {
   auto rec = circle(8, 1.0);
   rec->OFFPNT(2) = P(rec->OFFPNT(2)(1) * 1.5, rec->OFFPNT(2)(2) * 1.5);
-  bool failed = true;
-  MKIKV3(ParamChordLength, *rec, failed);
+  testing::chordKnots(*rec);
   const Triple start = rec->OFFPNT(2);
   FairRun probe = fair(*rec, 2, 1, true, -1.0);
   ASSERT_FALSE(probe.failed);
@@ -144,7 +141,7 @@ TEST_F(Fairing, RestraintScalesTheStepByItsDistance) {
   EXPECT_NEAR(dist(restrained.faired, rec->OFFPNT(2)), 1.0, 1e-3);
 }
 
-TEST_F(Fairing, ShortCurvesAndOpenEndsStay) {
+TEST_F(Fairing, ShortCurvesOpenEndsAndMinimaStay) {
   auto pair = makeRecord({P(0, 0), P(1, 1)});
   pair->INCKNT(1) = 1.0;
   FairRun r = fair(*pair, 2, 5, true, -1.0);
@@ -153,8 +150,7 @@ TEST_F(Fairing, ShortCurvesAndOpenEndsStay) {
   EXPECT_EQ(r.faired, P(1, 1));
 
   auto open = circle(6, 2.0, false);
-  bool failed = true;
-  MKIKV3(ParamChordLength, *open, failed);
+  testing::chordKnots(*open);
   for (int end : {1, 6}) {
     FairRun e = fair(*open, end, 5, true, -1.0);
     EXPECT_FALSE(e.failed);
@@ -162,27 +158,23 @@ TEST_F(Fairing, ShortCurvesAndOpenEndsStay) {
     EXPECT_EQ(e.faired, open->OFFPNT(end));
   }
   EXPECT_EQ(output(), "");
-}
 
-TEST_F(Fairing, APointAtTheMinimumStopsInIterationOne) {
   // Evenly spaced on a slanted line: the curve is the line, energy 0.
   auto line = makeRecord({P(-2, 0), P(-1, 0.5), P(0, 1), P(1, 1.5), P(2, 2)});
-  bool failed = true;
-  MKIKV3(ParamChordLength, *line, failed);
-  FairRun r = fair(*line, 3, 10, true, -1.0);
-  ASSERT_FALSE(r.failed);
-  EXPECT_EQ(r.iterations, 1);
-  EXPECT_NEAR(r.energies[0], 0.0, 1e-20);
-  EXPECT_EQ(r.energies[1], -1.0);
-  EXPECT_LT(dist(r.faired, P(0, 1)), 1e-6);
+  testing::chordKnots(*line);
+  FairRun still = fair(*line, 3, 10, true, -1.0);
+  ASSERT_FALSE(still.failed);
+  EXPECT_EQ(still.iterations, 1);
+  EXPECT_NEAR(still.energies[0], 0.0, 1e-20);
+  EXPECT_EQ(still.energies[1], -1.0);
+  EXPECT_LT(dist(still.faired, P(0, 1)), 1e-6);
 }
 
 TEST_F(Fairing, OneIterationMovesOnceAndAPlaneCurveLandsAtZ0) {
   auto rec = circle(9, 2.0);
   for (int i = 1; i <= 9; ++i) rec->OFFPNT(i)(3) = 0.7;
   rec->OFFPNT(5)(2) += 0.5;
-  bool failed = true;
-  MKIKV3(ParamChordLength, *rec, failed);
+  testing::chordKnots(*rec);
   const Triple start = rec->OFFPNT(5);
   FairRun r = fair(*rec, 5, 1, true, -1.0);
   ASSERT_FALSE(r.failed);
@@ -194,45 +186,8 @@ TEST_F(Fairing, OneIterationMovesOnceAndAPlaneCurveLandsAtZ0) {
   EXPECT_EQ(rec->OFFPNT(5), start);
 }
 
-TEST_F(Fairing, BadSettingsAreReported) {
-  auto rec = circle(6, 2.0);
-  bool failed = true;
-  MKIKV3(ParamChordLength, *rec, failed);
-  type("\n");
-  FairRun r = fair(*rec, 7, 1, true, -1.0);
-  EXPECT_TRUE(r.failed);
-  EXPECT_TRUE(shown(output(), "(HCFOP3) Illegal fair offset point index!"));
-  type("\n");
-  r = fair(*rec, 2, 1, true, -1.0, true, P(0, 0));
-  EXPECT_TRUE(r.failed);
-  EXPECT_TRUE(shown(output(), "(HCFOP3) Found zero length direction vector!"));
-  type("\n");
-  r = fair(*rec, 2, 1, true, 1e-7);
-  EXPECT_TRUE(r.failed);
-  EXPECT_TRUE(
-      shown(output(),
-            "(HCFOP3) Stop criterion threshold cannot exceed max allowed adjustment distance!"));
-  Triple faired;
-  int iterations = 0;
-  std::vector<double> energies(4);
-  type("\n");
-  HCFOP3(2, 1, true, -1.0, 1e-6, false, Triple{}, true, Origin, P(0, 0), 1e-6, *rec, iterations,
-         faired, View1<double>(energies.data(), 4), failed);
-  EXPECT_TRUE(failed);
-  EXPECT_TRUE(shown(output(), "(HCFOP3) Encountered zero length plane normal vector!"));
-}
-
 double shiftedSquare(double x) {
   return (x - 2.0) * (x - 2.0) + 1.0;
-}
-double quartic(double x) {
-  return x * x * x * x - 3.0 * x;
-}
-double exponential(double x) {
-  return std::exp(x) - 3.0 * x;
-}
-double kink(double x) {
-  return std::fabs(x - 1.3);
 }
 double farAway(double x) {
   return (x - 7.0) * (x - 7.0);
@@ -244,9 +199,14 @@ TEST_F(Fairing, OneDimensionalMinimaOfKnownFunctions) {
     double lower, upper, minimum;
   };
   const double tolerance = 1e-6;
-  for (const Case& c : {Case{shiftedSquare, -10, 10, 2.0}, Case{quartic, 0, 5, std::cbrt(0.75)},
-                        Case{exponential, -2, 4, std::log(3.0)}, Case{kink, -3, 4, 1.3},
-                        Case{farAway, 0, 5, 5.0}}) {
+  const Case cases[] = {
+      {shiftedSquare, -10, 10, 2.0},
+      {[](double x) { return x * x * x * x - 3.0 * x; }, 0, 5, std::cbrt(0.75)},
+      {[](double x) { return std::exp(x) - 3.0 * x; }, -2, 4, std::log(3.0)},
+      {[](double x) { return std::fabs(x - 1.3); }, -3, 4, 1.3},
+      {farAway, 0, 5, 5.0},
+  };
+  for (const Case& c : cases) {
     double x = 0.0;
     bool failed = true;
     FUNMIN(c.f, c.lower, c.upper, tolerance, x, failed);
@@ -268,20 +228,32 @@ TEST_F(Fairing, OneDimensionalMinimaOfKnownFunctions) {
   EXPECT_NEAR(fx, 1.0, 1e-14);
 }
 
-TEST_F(Fairing, SearchLimitsAndTolerance) {
+TEST_F(Fairing, BadSettingsAreReported) {
+  auto rec = circle(6, 2.0);
+  testing::chordKnots(*rec);
+  expectFailure(fair(*rec, 7, 1, true, -1.0).failed, "(HCFOP3) Illegal fair offset point index!");
+  expectFailure(fair(*rec, 2, 1, true, -1.0, true, P(0, 0)).failed,
+                "(HCFOP3) Found zero length direction vector!");
+  expectFailure(fair(*rec, 2, 1, true, 1e-7).failed,
+                "(HCFOP3) Stop criterion threshold cannot exceed max allowed adjustment distance!");
+  Triple faired;
+  int iterations = 0;
+  std::vector<double> energies(4);
+  bool failed = true;
+  HCFOP3(2, 1, true, -1.0, 1e-6, false, Triple{}, true, Origin, P(0, 0), 1e-6, *rec, iterations,
+         faired, View1<double>(energies.data(), 4), failed);
+  expectFailure(failed, "(HCFOP3) Encountered zero length plane normal vector!");
+
+  // The one-dimensional search: equal limits give 0.0, crossed limits and
+  // a tolerance of 0 are refused.
   double x = 5.0;
-  bool failed = false;
   FUNMIN(farAway, 3.0, 3.0, 1e-6, x, failed);
   EXPECT_FALSE(failed);
   EXPECT_EQ(x, 0.0);
-  type("\n");
   FUNMIN(farAway, 3.0, 2.0, 1e-6, x, failed);
-  EXPECT_TRUE(failed);
-  EXPECT_TRUE(shown(output(), "(FUNMIN) Max search limit must be larger than min!"));
-  type("\n");
+  expectFailure(failed, "(FUNMIN) Max search limit must be larger than min!");
   FUNMIN(farAway, 0.0, 2.0, 0.0, x, failed);
-  EXPECT_TRUE(failed);
-  EXPECT_TRUE(shown(output(), "(FUNMIN) Tolerance must be positive!"));
+  expectFailure(failed, "(FUNMIN) Tolerance must be positive!");
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 // Test support: structural checks of the mesher's results.
 //
 // checkDecomposition looks at the half-edge structure after the convex
-// decomposition; checkTriangles at a triangle list. Both return the problems
-// they find as readable lines, empty when the result is sound, so that a
-// test can print them.
+// decomposition, checkTriangles at a triangle list over a region. Both list
+// every problem they find in the failure message.
 #pragma once
 
-#include <string>
+#include <gtest/gtest.h>
+
 #include <vector>
 
 #include "framework/onebased.h"
@@ -15,14 +15,16 @@
 namespace kntr::testing {
 
 // A region as the tests build it: the exterior polygon and its holes, each
-// counterclockwise.
+// counterclockwise. Inside is decided by the even-odd rule, so an island in
+// a hole is a region of its own.
 struct TestRegion {
   std::vector<std::vector<XY>> polygons;
 };
 
 // Signed area of a closed polygon (positive when counterclockwise).
 double signedArea(const std::vector<XY>& polygon);
-// Area of a region: exterior minus holes.
+// Area of a region: polygons inside an even number of others add, the rest
+// subtract.
 double regionArea(const TestRegion& region);
 // Length of all boundary polygons of a region.
 double boundaryLength(const TestRegion& region);
@@ -31,30 +33,32 @@ double boundaryLength(const TestRegion& region);
 // element 1) and their sizes into `sizes`; the count of holes is returned.
 int layOut(const TestRegion& region, View1<XY> vertices, View1<int> sizes);
 
-// Checks of the half-edge structure of m:
+// Checks of the half-edge structure of m against the region:
 // - every row names vertices, polygons and half-edges in range;
 // - every polygon's Next cycle closes, carries the polygon's number, and
 //   together the cycles hold every half-edge exactly once;
 // - twins are symmetric and run between the same two vertices in opposite
 //   directions;
-// - every polygon has at least 3 distinct corners, its interior on the left
-//   and is convex: its corner angles, as stored and as measured, stay within
-//   pi (stored within MeshTol, measured within 1e-9);
+// - every polygon has at least 3 corners and its interior on the left; with
+//   `convex` no corner passes twice through a point and every corner angle,
+//   stored and measured, stays within pi (stored within MeshTol, measured
+//   within 1e-9);
 // - the stored corner angles agree with the geometry;
-// - the polygon areas add up to `area` and the half-edges without twin to
-//   the boundary length `length`.
-std::vector<std::string> checkDecomposition(const mesher::MeshData& m, double area, double length,
-                                            bool convex = true);
+// - the polygon areas add up to the region's area and the half-edges
+//   without twin to its boundary length.
+::testing::AssertionResult checkDecomposition(const mesher::MeshData& m, const TestRegion& region,
+                                              bool convex = true);
 
-// Checks of a triangle list: vertex numbers in range and distinct, every
-// triangle counterclockwise with positive area, no directed edge used twice,
-// areas adding up to `area`, and the edges used by one triangle only adding
-// up to the boundary length `length`.
-std::vector<std::string> checkTriangles(int numVertices, View1<const XY> vertices, int numTriangles,
-                                        View1<const mesher::Triangle> triangles, double area,
-                                        double length);
-
-// All problems as one text, for a test's failure message.
-std::string joined(const std::vector<std::string>& problems);
+// Checks that triangles(1..numTriangles) over vertices(1..size) are a proper
+// mesh of the region:
+// - vertex numbers in range and distinct;
+// - every triangle counterclockwise with positive area;
+// - the areas sum to the region's area within 1e-9 relative;
+// - every inner edge used twice, once in each direction; every other edge
+//   lies on the region's boundary, and these cover each boundary edge once;
+// - no vertex lies outside the region.
+::testing::AssertionResult checkTriangles(const TestRegion& region, View1<const XY> vertices,
+                                          int numTriangles,
+                                          View1<const mesher::Triangle> triangles);
 
 }  // namespace kntr::testing

@@ -121,15 +121,6 @@ Polygon reversed(const Polygon& p) {
   return Polygon(p.rbegin(), p.rend());
 }
 
-Polygon moved(const Polygon& p, double dx, double dy) {
-  Polygon q = p;
-  for (XY& v : q) {
-    v.x += dx;
-    v.y += dy;
-  }
-  return q;
-}
-
 Polygon randomStar(std::mt19937& random, double cx, double cy, double rMin, double rMax, int n) {
   std::uniform_real_distribution<double> unit(0.0, 1.0);
   std::vector<double> angles(n);

@@ -26,8 +26,6 @@ Polygon comb(int teeth);
 Polygon shipSection(int n);
 // The polygon in reverse order.
 Polygon reversed(const Polygon& p);
-// Translated copy.
-Polygon moved(const Polygon& p, double dx, double dy);
 
 // A star-shaped polygon around (cx, cy): n corners at sorted random angles
 // with radii in [rMin, rMax].

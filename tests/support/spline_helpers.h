@@ -20,9 +20,26 @@ using spline::HermiteCurve;
 using spline::SplineRecord;
 using spline::Triple;
 
-// Engine tests run against the memory console: a message would otherwise
-// wait for RETURN on the real terminal.
-using SplineTest = ConsoleTest;
+// Whether the console showed a text (the memory console writes it with
+// its tokens resolved).
+inline bool shown(const std::string& output, const std::string& text) {
+  return output.find(text) != std::string::npos;
+}
+
+// Engine tests run against the memory console, in batch mode so that a
+// message does not wait for RETURN.
+class SplineTest : public ConsoleTest {
+ protected:
+  void SetUp() override {
+    ConsoleTest::SetUp();
+    framework::program().executionMode = framework::ModeBatch;
+  }
+  // The call just made failed and showed `message`.
+  void expectFailure(bool failed, const std::string& message) {
+    EXPECT_TRUE(failed) << message;
+    EXPECT_TRUE(shown(output(), message)) << message;
+  }
+};
 
 inline Triple P(double x, double y, double z = 0.0) {
   return Triple{{x, y, z}};
@@ -121,12 +138,6 @@ inline std::vector<double> denseSolve(std::vector<std::vector<double>> a, std::v
     x[i] = s / a[i][i];
   }
   return x;
-}
-
-// Whether the console showed a text (the memory console writes it with
-// its tokens resolved).
-inline bool shown(const std::string& output, const std::string& text) {
-  return output.find(text) != std::string::npos;
 }
 
 }  // namespace kntr::testing
