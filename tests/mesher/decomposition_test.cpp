@@ -42,57 +42,43 @@ TEST_F(MesherTest, RegionsDecomposeIntoSoundConvexPolygons) {
   struct Case {
     const char* name;
     TestRegion region;
-    int fewest, most;  // polygons
+    int fewest = 1, most = MaxSubPolygons;  // polygons
   };
   const Case cases[] = {
       {"rectangle", {{shapes::rectangle(0, 0, 3, 1)}}, 1, 1},
       {"circle", {{shapes::circle(2, 2, 5, 40)}}, 1, 1},
       {"L", {{shapes::lShape(4, 4, 1)}}, 2, 3},
       // Every tooth ends up in a polygon of its own.
-      {"comb", {{shapes::comb(20)}}, 20, MaxSubPolygons},
+      {"comb", {{shapes::comb(20)}}, 20},
       {"square with a round hole",
-       {{shapes::rectangle(-5, -5, 5, 5), shapes::circle(0, 0, 2, 24, 0.1)}},
-       1,
-       MaxSubPolygons},
+       {{shapes::rectangle(-5, -5, 5, 5), shapes::circle(0, 0, 2, 24, 0.1)}}},
       {"disc with three holes",
        {{shapes::circle(0, 0, 10, 72), shapes::circle(-4, 2, 2, 20), shapes::circle(4, 2, 2, 20),
-         shapes::circle(0, -5, 2.5, 30)}},
-       1,
-       MaxSubPolygons},
+         shapes::circle(0, -5, 2.5, 30)}}},
       // Holes whose tops stand at the same height: the second hole's level
       // line runs through the first hole's top vertex, which its bridge has
       // made part of the outer cycle.
       {"holes side by side",
        {{shapes::rectangle(0, 0, 12, 8),
          {{3, 2}, {4, 4}, {3, 5}, {2, 4}},
-         {{9, 2}, {10, 4}, {9, 5}, {8, 4}}}},
-       1,
-       MaxSubPolygons},
+         {{9, 2}, {10, 4}, {9, 5}, {8, 4}}}}},
       {"three holes side by side",
        {{shapes::rectangle(0, 0, 12, 8), shapes::rectangle(1, 2, 3, 5),
-         shapes::rectangle(5, 2, 7, 5), shapes::rectangle(9, 2, 11, 5)}},
-       1,
-       MaxSubPolygons},
+         shapes::rectangle(5, 2, 7, 5), shapes::rectangle(9, 2, 11, 5)}}},
       // Boundary vertices level with the hole's top on both sides are found
       // inside the level band and bound the part above; or a corner there.
       {"hole top level with boundary vertices",
-       {{{{0, 0}, {10, 0}, {10, 5}, {10, 10}, {0, 10}, {0, 5}}, {{5, 3}, {6, 4}, {5, 5}, {4, 4}}}},
-       1,
-       MaxSubPolygons},
+       {{{{0, 0}, {10, 0}, {10, 5}, {10, 10}, {0, 10}, {0, 5}}, {{5, 3}, {6, 4}, {5, 5}, {4, 4}}}}},
       {"hole top level with a boundary corner",
-       {{{{0, 0}, {10, 0}, {10, 10}, {8, 5}, {6, 10}, {0, 10}}, {{3, 3}, {4, 4}, {3, 5}, {2, 4}}}},
-       1,
-       MaxSubPolygons},
+       {{{{0, 0}, {10, 0}, {10, 10}, {8, 5}, {6, 10}, {0, 10}}, {{3, 3}, {4, 4}, {3, 5}, {2, 4}}}}},
       // The lower hole's bridge may end on the upper hole, whose edges
       // belong to the outer cycle by then.
       {"holes above one another",
        {{shapes::rectangle(0, 0, 10, 20), shapes::rectangle(3, 12, 7, 15),
-         shapes::rectangle(4, 3, 6, 6)}},
-       1,
-       MaxSubPolygons},
-      {"thin sliver", {{sliver}}, 1, MaxSubPolygons},
-      {"thin notched triangle", {{{{0, 0}, {100, 0}, {50, 0.001}, {0, 0.01}}}}, 1, MaxSubPolygons},
-      {"ship section", {{shapes::shipSection(300)}}, 1, MaxSubPolygons},
+         shapes::rectangle(4, 3, 6, 6)}}},
+      {"thin sliver", {{sliver}}},
+      {"thin notched triangle", {{{{0, 0}, {100, 0}, {50, 0.001}, {0, 0.01}}}}},
+      {"ship section", {{shapes::shipSection(300)}}},
   };
   ASSERT_EQ(shapes::shipSection(300).size(), 300u);
   for (const Case& c : cases) {

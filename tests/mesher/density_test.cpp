@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
-#include "mesher/convex.h"
 #include "support/mesh_fixture.h"
 
 namespace kntr::testing {
@@ -45,28 +45,36 @@ class DensityTest : public MeshTest {
     return total;
   }
 
-  // Area of polygon p walked through the structure.
-  double walkedArea(int p) {
-    std::vector<double> x, y;
+  // The corners of polygon p, walked through the structure.
+  std::vector<XY> corners(int p) {
+    std::vector<XY> found;
     int h = m().PolygonFirst(p);
     do {
-      x.push_back(m().Vertices(m().HalfEdge(h).Vertex).x);
-      y.push_back(m().Vertices(m().HalfEdge(h).Vertex).y);
+      found.push_back(m().Vertices(m().HalfEdge(h).Vertex));
       h = m().HalfEdge(h).Next;
     } while (h != m().PolygonFirst(p));
-    const int n = static_cast<int>(x.size());
-    return mesher::IQCPAR(n, View1<const double>(x.data(), n), View1<const double>(y.data(), n));
+    return found;
+  }
+  bool hasVertex(int p, double x, double y) {
+    const std::vector<XY> c = corners(p);
+    return std::find(c.begin(), c.end(), XY{x, y}) != c.end();
   }
 
-  // True when polygon p contains the vertex at (x, y).
-  bool hasVertex(int p, double x, double y) {
-    int h = m().PolygonFirst(p);
-    do {
-      const XY v = m().Vertices(m().HalfEdge(h).Vertex);
-      if (v.x == x && v.y == y) return true;
-      h = m().HalfEdge(h).Next;
-    } while (h != m().PolygonFirst(p));
-    return false;
+  // The fan triangles round `centre` to the points centre + (x(i), y(i)),
+  // i = 0..n (closed), with their mean densities by IQDNST.
+  std::vector<double> fanMeans(const DensityLists& l, double limit, mesher::DensityFunction f,
+                               XY centre, std::vector<double> x, std::vector<double> y,
+                               double& integral, double& mean, double& spread) {
+    const int n = static_cast<int>(x.size()) - 1;
+    std::vector<double> means(x.size());
+    mesher::SeparatorPoints points;
+    points.n = n;
+    points.centre = centre;
+    points.x = mesher::View0<double>(x.data(), n + 1);
+    points.y = mesher::View0<double>(y.data(), n + 1);
+    points.means = mesher::View0<double>(means.data(), n);
+    mesher::IQDNST(m(), l, limit, f, points, integral, mean, spread);
+    return means;
   }
 
   void shortEdgePolygon() { polygon({{0, 0}, {10, 0}, {10, 10}, {0.3, 10}, {0, 9.7}}); }
@@ -157,7 +165,7 @@ TEST_F(DensityTest, ShortEdgeSplitsThePolygonTowardsFinerSizes) {
   EXPECT_NEAR(totalArea(), area, 1e-9);
   for (int p = 1; p <= m().NumPolygons; ++p) {
     EXPECT_GT(m().PolygonDensity(p), 0.0) << "polygon " << p << " is still marked";
-    EXPECT_NEAR(m().PolygonArea(p), walkedArea(p), 1e-9) << "polygon " << p;
+    EXPECT_NEAR(m().PolygonArea(p), testing::signedArea(corners(p)), 1e-9) << "polygon " << p;
   }
   // Every piece is convex.
   for (int h = 1; h <= m().NumHalfEdges; ++h) {
@@ -241,19 +249,10 @@ TEST_F(DensityTest, DensityIntegralMatchesClosedForms) {
   // the three-point rule is exact for it and for its square.
   polygon({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
   m().UseDensityFunction = true;
-  double x[5] = {-0.5, 0.5, 0.5, -0.5, -0.5};
-  double y[5] = {-0.5, -0.5, 0.5, 0.5, -0.5};
-  double means[4] = {};
-  mesher::SeparatorPoints points;
-  points.n = 4;
-  points.centre = XY{0.5, 0.5};
-  points.x = mesher::View0<double>(x, 5);
-  points.y = mesher::View0<double>(y, 5);
-  points.means = mesher::View0<double>(means, 4);
-  DensityLists none;
   double integral = 0.0, mean = 0.0, spread = 0.0;
-  mesher::IQDNST(
-      m(), none, 0.0, [](double px, double) { return 1.0 + px; }, points, integral, mean, spread);
+  const std::vector<double> means = fanMeans(
+      DensityLists{}, 0.0, [](double px, double) { return 1.0 + px; }, {0.5, 0.5},
+      {-0.5, 0.5, 0.5, -0.5, -0.5}, {-0.5, -0.5, 0.5, 0.5, -0.5}, integral, mean, spread);
   EXPECT_NEAR(integral, 1.5, 1e-14);
   EXPECT_NEAR(mean, 1.5, 1e-14);
   EXPECT_NEAR(spread, std::sqrt(1.0 / 12.0), 1e-14);
@@ -286,25 +285,19 @@ TEST_F(DensityTest, DensityFollowsTheEdgeSources) {
   };
   // Fan triangles around the centre (1, 8): one near the short edge, one
   // far from it.
-  double x[4] = {-1.0, 0.5, 8.0, -1.0};
-  double y[4] = {1.8, 1.9, -7.0, 1.8};
-  double means[3] = {};
-  mesher::SeparatorPoints points;
-  points.n = 3;
-  points.centre = XY{1.0, 8.0};
-  points.x = mesher::View0<double>(x, 4);
-  points.y = mesher::View0<double>(y, 4);
-  points.means = mesher::View0<double>(means, 3);
+  const std::vector<double> x = {-1.0, 0.5, 8.0, -1.0}, y = {1.8, 1.9, -7.0, 1.8};
   double integral = 0.0, mean = 0.0, spread = 0.0;
-  mesher::IQDNST(m(), l, l.PolygonWidth2(1), nullptr, points, integral, mean, spread);
+  const std::vector<double> means =
+      fanMeans(l, l.PolygonWidth2(1), nullptr, {1.0, 8.0}, x, y, integral, mean, spread);
   for (int i = 0; i < 3; ++i) {
     // The sample points lie between the fan triangle's centroid and its corners.
-    const double ax = x[i] + 1.0, ay = y[i] + 8.0, bx = x[i + 1] + 1.0, by = y[i + 1] + 8.0;
+    const std::size_t k = static_cast<std::size_t>(i);
+    const double ax = x[k] + 1.0, ay = y[k] + 8.0, bx = x[k + 1] + 1.0, by = y[k + 1] + 8.0;
     const double expected = (densityAt((4 * ax + bx + 1.0) / 6, (4 * ay + by + 8.0) / 6) +
                              densityAt((ax + 4 * bx + 1.0) / 6, (ay + 4 * by + 8.0) / 6) +
                              densityAt((ax + bx + 4 * 1.0) / 6, (ay + by + 4 * 8.0) / 6)) /
                             3.0;
-    EXPECT_NEAR(means[i], expected, 1e-12 * expected) << "fan triangle " << i;
+    EXPECT_NEAR(means[k], expected, 1e-12 * expected) << "fan triangle " << i;
   }
   EXPECT_GT(means[0], 2.0 * means[1]);
 }

@@ -53,33 +53,6 @@ TEST(Iqside, TellsRightLeftAndOnWithAToleranceLinearInTheLengths) {
         << c.x << ", " << c.y << " dv " << c.dv;
 }
 
-TEST(Iqsgin, IntersectsALineOrARayWithASegment) {
-  bool found = false, status = true;
-  double x = 0, y = 0;
-  IQSGIN(false, 0, 0, 2, 2, 0, 2, 2, 0, x, y, found, status);
-  EXPECT_FALSE(status);
-  ASSERT_TRUE(found);
-  EXPECT_NEAR(x, 1.0, 1e-15);
-  EXPECT_NEAR(y, 1.0, 1e-15);
-  // Beyond p2: only the ray reaches it.
-  IQSGIN(false, 0, 0, 1, 0, 3, -1, 3, 1, x, y, found, status);
-  EXPECT_FALSE(found);
-  IQSGIN(true, 0, 0, 1, 0, 3, -1, 3, 1, x, y, found, status);
-  ASSERT_TRUE(found);
-  EXPECT_NEAR(x, 3.0, 1e-15);
-  EXPECT_NEAR(y, 0.0, 1e-15);
-  // Behind the ray's start, outside the segment, parallel.
-  IQSGIN(true, 0, 0, 1, 0, -3, -1, -3, 1, x, y, found, status);
-  EXPECT_FALSE(found);
-  IQSGIN(true, 0, 0, 1, 0, 3, 1, 3, 2, x, y, found, status);
-  EXPECT_FALSE(found);
-  IQSGIN(true, 0, 0, 1, 0, 0, 1, 5, 1, x, y, found, status);
-  EXPECT_FALSE(found);
-  // A segment end on the line counts (within MeshTol of the segment).
-  IQSGIN(true, 0, 0, 1, 0, 3, 0, 3, 1, x, y, found, status);
-  EXPECT_TRUE(found);
-}
-
 // A 2 x 2 square split by its diagonal from corner 1 to corner 3 into two
 // right triangles that share that edge; then a vertex put into the diagonal
 // goes into both sides, and one into a boundary edge into one.

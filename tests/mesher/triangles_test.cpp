@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "mesher/convex.h"
-#include "mesher/strip.h"
 #include "support/mesh_fixture.h"
 
 namespace kntr::testing {
@@ -234,25 +233,6 @@ TEST_F(TrianglesTest, InsetKeepsTheDistanceFromEveryEdge) {
   EXPECT_NEAR(py, 1.0, 1e-15);
 }
 
-TEST_F(TrianglesTest, TurnPutsTheDiameterUpright) {
-  // A parallelogram; its diameter is the long diagonal from 1 to 3.
-  double x[5] = {0, 6, 8, 2, 0}, y[5] = {0, 1, 4, 3, 0};
-  const double original[4][2] = {{0, 0}, {6, 1}, {8, 4}, {2, 3}};
-  int bottom = 0;
-  double c = 0.0, s = 0.0;
-  mesher::RTCPDM(4, View0<double>(x, 5), View0<double>(y, 5), 4, 2, bottom, c, s);
-  // The upper end (8, 4) now stands at index 4 and 0, right above the lower.
-  EXPECT_EQ(x[0], x[4]);
-  EXPECT_EQ(y[0], y[4]);
-  EXPECT_NEAR(x[4], x[bottom], 1e-12);
-  EXPECT_NEAR(y[4] - y[bottom], std::hypot(8.0, 4.0), 1e-12);
-  // Turned back, each point is where it was, in the same cyclic order.
-  for (int k = 0; k < 4; ++k) {
-    EXPECT_NEAR(c * x[k] + s * y[k], original[(k + 2) % 4][0], 1e-12);
-    EXPECT_NEAR(c * y[k] - s * x[k], original[(k + 2) % 4][1], 1e-12);
-  }
-}
-
 TEST_F(TrianglesTest, RowsFillTheAreaInsideTheirWalk) {
   // A rhombus with its diameter upright, rows at spacing h: the triangles
   // are counterclockwise, their area is the area that the walk encloses, and
@@ -296,60 +276,6 @@ TEST_F(TrianglesTest, RowsFillTheAreaInsideTheirWalk) {
     // The first row stands half the rest below the top.
     EXPECT_EQ(v(1).y, 5.0 - (10.0 - static_cast<int>(10.0 / h) * h) / 2.0);
   }
-}
-
-TEST_F(TrianglesTest, ChainsAndRingsZipIntoProperStrips) {
-  // Two chains of a regular 12-gon between opposite corners, zipped; then a
-  // ring between a square of 12 boundary points and a small inner square.
-  View1<XY> v = vertices();
-  std::vector<XY> ring, outer, inner = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-  for (int k = 0; k < 12; ++k) {
-    ring.push_back({3.0 * std::cos(k * Pi / 6), 3.0 * std::sin(k * Pi / 6)});
-    const double t = -3.0 + 2.0 * (k % 3);
-    const int side = k / 3;
-    outer.push_back(side == 0   ? XY{t, -3}
-                    : side == 1 ? XY{3, t}
-                    : side == 2 ? XY{-t, 3}
-                                : XY{-3, -t});
-  }
-  std::vector<int> sides(3 * 16), stack(16);
-  auto zip = [&](bool closed, int count, int numA, int numB, const int* a, const int* b,
-                 const TestRegion& region) {
-    bool status = false;
-    const View1<const XY> points(v.data(), closed ? 16 : 12);
-    mesher::MRGTRI(closed, count, numA, numB, View0<const int>(a, numA + 1),
-                   View0<const int>(b, numB + 1), points, triangles(),
-                   mesher::StripSides(View1<int>(sides.data(), 3 * count)), status);
-    ASSERT_FALSE(status);
-    const View1<const Triangle> made(triangles().data(), count);
-    EXPECT_TRUE(checkTriangles(region, points, count, made));
-    mesher::SWTRSP(closed, count, points, triangles(),
-                   mesher::StripSides(View1<int>(sides.data(), 3 * count)),
-                   View1<int>(stack.data(), count), status);
-    ASSERT_FALSE(status);
-    EXPECT_TRUE(checkTriangles(region, points, count, made));
-  };
-  for (int k = 0; k < 12; ++k) v(k + 1) = ring[static_cast<std::size_t>(k)];
-  const int a[7] = {1, 2, 3, 4, 5, 6, 7}, b[7] = {1, 12, 11, 10, 9, 8, 7};
-  zip(false, 10, 6, 6, a, b, {{ring}});
-  for (int k = 0; k < 12; ++k) v(k + 1) = outer[static_cast<std::size_t>(k)];
-  for (int k = 0; k < 4; ++k) v(13 + k) = inner[static_cast<std::size_t>(k)];
-  int listA[13], listB[5];
-  for (int k = 0; k <= 12; ++k) listA[k] = k % 12 + 1;
-  for (int k = 0; k <= 4; ++k) listB[k] = k % 4 + 13;
-  zip(true, 16, 12, 4, listA, listB, {{outer, inner}});
-}
-
-TEST(DiagonalTest, CircumcircleRuleDecides) {
-  // A square: both diagonals are as good.
-  EXPECT_EQ(mesher::IQDGCV({0, 0}, {1, 0}, {1, 1}, {0, 1}), 0);
-  // A rhombus flat along p2-p4: the angles at p1 and p3 are wide, so the
-  // other diagonal p1-p3 is better.
-  EXPECT_EQ(mesher::IQDGCV({0, -1}, {3, 0}, {0, 1}, {-3, 0}), 1);
-  // The same rhombus named from p2: the diagonal p2-p4 is the short one.
-  EXPECT_EQ(mesher::IQDGCV({3, 0}, {0, 1}, {-3, 0}, {0, -1}), -1);
-  // One acute and one obtuse angle: the sine of their sum decides.
-  EXPECT_EQ(mesher::IQDGCV({0, 0}, {4, 0}, {5, 2}, {0, 3}), -1);
 }
 
 TEST_F(TrianglesTest, RunningOutOfRoomIsReported) {

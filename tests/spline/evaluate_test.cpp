@@ -76,17 +76,14 @@ Subdivided adaptive(const SplineRecord& rec, int limit, double accuracy, int sid
   return s;
 }
 
-// Six or eight points on a sine (open) or an ellipse (closed), chord knots.
+// Points on a sine (open) or an ellipse (closed).
 std::unique_ptr<SplineRecord> smooth(int n, bool closed) {
   std::vector<Triple> points;
   for (int i = 0; i < n; ++i) {
     const double a = 2 * 3.141592653589793 * i / n;
     points.push_back(closed ? P(4 * std::cos(a), 3 * std::sin(a)) : P(i, std::sin(i)));
   }
-  auto rec = makeRecord(points, closed);
-  bool failed = true;
-  MKIKV3(ParamChordLength, *rec, failed);
-  return rec;
+  return makeRecord(points, closed);
 }
 
 std::unique_ptr<HermiteCurve> solved(const SplineRecord& rec) {
@@ -95,38 +92,6 @@ std::unique_ptr<HermiteCurve> solved(const SplineRecord& rec) {
   HCTAN3(500, Origin, XNormal, SideNone, 0.0, rec, *curve, failed);
   EXPECT_FALSE(failed);
   return curve;
-}
-
-TEST_F(Evaluation, BezierPolygonsSplitsAndLengths) {
-  Bezier b;
-  bool flat = true, failed = true;
-  HCBEZ3(P(0, 0), P(3, 0), P(3, 3), P(3, -3), 1e-9, b, flat, failed);
-  EXPECT_FALSE(failed);
-  EXPECT_FALSE(flat);
-  EXPECT_EQ(b(2), P(1, 1));
-  EXPECT_EQ(b(3), P(2, 1));
-  // Same curve as the Hermite basis.
-  for (double t : {0.1, 0.5, 0.8})
-    EXPECT_LT(dist(bernstein(b, t), testing::hermitePoint(P(0, 0), P(3, 0), P(3, 3), P(3, -3), t)),
-              1e-14);
-  HCBEZ3(P(0, 0), P(3, 0), P(3, 0), P(3, 0), 1e-9, b, flat, failed);
-  EXPECT_TRUE(flat);
-
-  Bezier left, right;
-  for (double t : {0.5, 0.3}) {
-    HCSPL3(Curved, t, left, right, failed);
-    EXPECT_FALSE(failed);
-    EXPECT_LT(dist(left(4), bernstein(Curved, t)), 1e-14);
-    EXPECT_EQ(left(4), right(1));
-    for (double s : {0.25, 0.6}) {
-      EXPECT_LT(dist(bernstein(left, s), bernstein(Curved, s * t)), 1e-13);
-      EXPECT_LT(dist(bernstein(right, s), bernstein(Curved, t + s * (1 - t))), 1e-13);
-    }
-  }
-  double chord = 0, length = 0;
-  IQBZLN(Curved, chord, length, failed);
-  EXPECT_NEAR(chord, std::sqrt(29.0), 1e-14);
-  EXPECT_NEAR(length, std::sqrt(11.0) + std::sqrt(13.0) + std::sqrt(19.0), 1e-14);
 }
 
 TEST_F(Evaluation, AdaptiveSubdivisionGivesAChainOfFlatPolygons) {
@@ -229,8 +194,6 @@ TEST_F(Evaluation, AdaptiveCurveFollowsTheSplineAndMarksItsPoints) {
   // Collinear points: the spline is the line itself, every segment flat
   // and giving only its end point.
   auto line = makeRecord({P(0, 0), P(1, 1), P(3, 3), P(4, 4)});
-  bool failed = true;
-  MKIKV3(ParamChordLength, *line, failed);
   const Subdivided straight = adaptive(*line, 100, 1e-6, SideNone, 1e-5, 100);
   ASSERT_FALSE(straight.failed);
   EXPECT_EQ(straight.count, 4);
@@ -248,8 +211,6 @@ TEST_F(Evaluation, BothHalvesOfAMirroredCurveIndexTheGivenPoints) {
     if (!firstOnPlane)
       for (Triple& q : points) q(1) -= 4.0;
     auto rec = makeRecord(points);
-    bool failed = true;
-    MKIKV3(ParamChordLength, *rec, failed);
     const Subdivided a = adaptive(*rec, 1000, 1e-4, SideBoth, 1e-9, 1000);
     ASSERT_FALSE(a.failed);
     for (int i = 1; i <= 4; ++i)

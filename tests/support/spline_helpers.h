@@ -58,8 +58,16 @@ inline double norm(const Triple& a) {
   return std::sqrt(dot(a, a));
 }
 
-// A record of the given points, all of type `type` (weight 0), knots
-// unset.
+// Chord-length knots computed here, for records whose knots a test needs
+// to know independently.
+inline void chordKnots(SplineRecord& rec) {
+  const int n = rec.NOFFS;
+  for (int i = 1; i < n; ++i) rec.INCKNT(i) = dist(rec.OFFPNT(i), rec.OFFPNT(i + 1));
+  rec.INCKNT(n) = rec.CLOSED ? dist(rec.OFFPNT(n), rec.OFFPNT(1)) : 0.0;
+}
+
+// A record of the given points, all of type `type` (weight 0), with
+// chord-length knots.
 inline std::unique_ptr<SplineRecord> makeRecord(const std::vector<Triple>& points,
                                                 bool closed = false,
                                                 int type = spline::TypeContinuous) {
@@ -72,6 +80,7 @@ inline std::unique_ptr<SplineRecord> makeRecord(const std::vector<Triple>& point
     rec->KNKWGT(i) = 0.0;
     rec->TANLEN(i) = spline::Vec<2>{{1.0, 1.0}};
   }
+  chordKnots(*rec);
   return rec;
 }
 
@@ -79,14 +88,6 @@ inline std::unique_ptr<SplineRecord> makeRecord(const std::vector<Triple>& point
 inline void setTangent(SplineRecord& rec, int i, int side, const Triple& v, double length) {
   for (int k = 1; k <= 3; ++k) rec.TANVEC(i)(3 * (side - 1) + k) = v(k);
   rec.TANLEN(i)(side) = length;
-}
-
-// Chord-length knots computed here, for records whose knots a test needs
-// to know independently.
-inline void chordKnots(SplineRecord& rec) {
-  const int n = rec.NOFFS;
-  for (int i = 1; i < n; ++i) rec.INCKNT(i) = dist(rec.OFFPNT(i), rec.OFFPNT(i + 1));
-  rec.INCKNT(n) = rec.CLOSED ? dist(rec.OFFPNT(n), rec.OFFPNT(1)) : 0.0;
 }
 
 // Point of the cubic Hermite segment p0, p1, t0, t1 at t in [0, 1].
