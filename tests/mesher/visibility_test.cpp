@@ -22,16 +22,6 @@ namespace {
 using testing::MesherTest;
 namespace shapes = testing::shapes;
 
-double cross(XY o, XY a, XY b) {
-  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
-}
-
-bool properCross(XY a, XY b, XY c, XY d) {
-  const double d1 = cross(a, b, c), d2 = cross(a, b, d);
-  const double d3 = cross(c, d, a), d4 = cross(c, d, b);
-  return ((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) && ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0));
-}
-
 // Counterclockwise angle from direction a to direction b, in [0, 2 pi).
 double turn(XY a, XY b) {
   double t = std::atan2(b.y, b.x) - std::atan2(a.y, a.x);
@@ -68,8 +58,8 @@ bool seen(const shapes::Polygon& poly, XY q, int skipEdge, bool grazing) {
       if (s > 1e-7 && s < 1 - 1e-7 && t > 1e-7 && t < 1 - 1e-7) return false;
       continue;
     }
-    if (properCross(r, q, a, b)) return false;
-    if (std::fabs(cross(r, q, a)) < 1e-12 &&
+    if (testing::properlyCross(r, q, a, b)) return false;
+    if (std::fabs(testing::cross(r, q, a)) < 1e-12 &&
         (a.x - r.x) * (q.x - a.x) + (a.y - r.y) * (q.y - a.y) > 0) {
       return false;
     }
@@ -114,7 +104,7 @@ void expectScanMatchesSightLines(const shapes::Polygon& poly, const std::string&
     } else {
       // On the inside of the edge from chain point -l - 1 to -l.
       const XY a = poly[-l], b = poly[-l + 1];
-      EXPECT_NEAR(cross(a, b, p) / std::hypot(b.x - a.x, b.y - a.y), 0.0, 1e-9) << what;
+      EXPECT_NEAR(testing::cross(a, b, p) / std::hypot(b.x - a.x, b.y - a.y), 0.0, 1e-9) << what;
       EXPECT_TRUE(seen(poly, p, -l, true))
           << what << " edge point " << i << " (" << p.x << ", " << p.y << ") label " << l;
     }

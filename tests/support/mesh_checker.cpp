@@ -34,26 +34,6 @@ class Problems {
   std::ostringstream text_, ignored_;
 };
 
-double distanceToSegment(const XY& p, const XY& a, const XY& b) {
-  const double dx = b.x - a.x, dy = b.y - a.y;
-  const double length2 = dx * dx + dy * dy;
-  const double t =
-      length2 > 0.0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / length2, 0.0, 1.0) : 0.0;
-  return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
-}
-
-// Even-odd test of a point against one closed polygon.
-bool insidePolygon(const XY& p, const std::vector<XY>& polygon) {
-  bool inside = false;
-  for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
-    const XY& a = polygon[i];
-    const XY& b = polygon[j];
-    if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x)
-      inside = !inside;
-  }
-  return inside;
-}
-
 // Number of the region's polygons, other than `skip`, that hold p.
 int depth(const TestRegion& region, const XY& p, std::size_t skip) {
   int count = 0;
@@ -81,6 +61,35 @@ double angleGap(double a, double b) {
 }
 
 }  // namespace
+
+double cross(const XY& o, const XY& a, const XY& b) {
+  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
+
+bool properlyCross(const XY& a, const XY& b, const XY& c, const XY& d) {
+  const double d1 = cross(a, b, c), d2 = cross(a, b, d);
+  const double d3 = cross(c, d, a), d4 = cross(c, d, b);
+  return ((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) && ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0));
+}
+
+double distanceToSegment(const XY& p, const XY& a, const XY& b) {
+  const double dx = b.x - a.x, dy = b.y - a.y;
+  const double length2 = dx * dx + dy * dy;
+  const double t =
+      length2 > 0.0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / length2, 0.0, 1.0) : 0.0;
+  return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
+}
+
+bool insidePolygon(const XY& p, const std::vector<XY>& polygon) {
+  bool inside = false;
+  for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
+    const XY& a = polygon[i];
+    const XY& b = polygon[j];
+    if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x)
+      inside = !inside;
+  }
+  return inside;
+}
 
 double signedArea(const std::vector<XY>& polygon) {
   double twice = 0.0;

@@ -21,6 +21,14 @@ struct TestRegion {
   std::vector<std::vector<XY>> polygons;
 };
 
+// Plane helpers: twice the signed area of the triangle o, a, b; whether the
+// segments ab and cd cross at a point inside both; the distance from p to
+// the segment ab; whether p lies inside a polygon (even-odd rule).
+double cross(const XY& o, const XY& a, const XY& b);
+bool properlyCross(const XY& a, const XY& b, const XY& c, const XY& d);
+double distanceToSegment(const XY& p, const XY& a, const XY& b);
+bool insidePolygon(const XY& p, const std::vector<XY>& polygon);
+
 // Signed area of a closed polygon (positive when counterclockwise).
 double signedArea(const std::vector<XY>& polygon);
 // Area of a region: polygons inside an even number of others add, the rest

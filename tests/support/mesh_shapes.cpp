@@ -8,46 +8,19 @@ namespace kntr::testing::shapes {
 namespace {
 constexpr double pi = 3.141592653589793;
 
-double cross(XY o, XY a, XY b) {
-  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
-}
-
 // Closed segments ab and cd share a point.
 bool segmentsMeet(XY a, XY b, XY c, XY d) {
+  if (properlyCross(a, b, c, d)) return true;
   const double d1 = cross(a, b, c), d2 = cross(a, b, d);
   const double d3 = cross(c, d, a), d4 = cross(c, d, b);
-  if (((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) && ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0))) {
-    return true;
-  }
   auto onSegment = [](XY p, XY q, XY r) {  // r on pq, given collinear
     return std::min(p.x, q.x) <= r.x && r.x <= std::max(p.x, q.x) && std::min(p.y, q.y) <= r.y &&
            r.y <= std::max(p.y, q.y);
   };
-  if (d1 == 0 && onSegment(a, b, c)) return true;
-  if (d2 == 0 && onSegment(a, b, d)) return true;
-  if (d3 == 0 && onSegment(c, d, a)) return true;
-  if (d4 == 0 && onSegment(c, d, b)) return true;
-  return false;
+  return (d1 == 0 && onSegment(a, b, c)) || (d2 == 0 && onSegment(a, b, d)) ||
+         (d3 == 0 && onSegment(c, d, a)) || (d4 == 0 && onSegment(c, d, b));
 }
 
-// Distance from p to the segment ab.
-double distanceToSegment(XY p, XY a, XY b) {
-  const double dx = b.x - a.x, dy = b.y - a.y;
-  const double l2 = dx * dx + dy * dy;
-  double t = l2 > 0 ? ((p.x - a.x) * dx + (p.y - a.y) * dy) / l2 : 0.0;
-  t = std::clamp(t, 0.0, 1.0);
-  return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
-}
-
-bool inside(XY p, const Polygon& poly) {
-  bool in = false;
-  const std::size_t n = poly.size();
-  for (std::size_t i = 0, j = n - 1; i < n; j = i++) {
-    const XY a = poly[i], b = poly[j];
-    if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) in = !in;
-  }
-  return in;
-}
 }  // namespace
 
 Polygon rectangle(double x0, double y0, double x1, double y1) {
@@ -148,11 +121,7 @@ Polygon randomTangle(std::mt19937& random, double cx, double cy, double r, int n
     for (int i = 0; i < n && !changed; ++i) {
       for (int j = i + 2; j < n && !changed; ++j) {
         if (i == 0 && j == n - 1) continue;
-        const XY a = p[i], b = p[i + 1], c = p[j], d = p[(j + 1) % n];
-        const double d1 = cross(a, b, c), d2 = cross(a, b, d);
-        const double d3 = cross(c, d, a), d4 = cross(c, d, b);
-        if (((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) &&
-            ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0))) {
+        if (properlyCross(p[i], p[i + 1], p[j], p[(j + 1) % n])) {
           std::reverse(p.begin() + i + 1, p.begin() + j + 1);
           changed = true;
         }
@@ -226,10 +195,10 @@ TestRegion randomRegion(std::mt19937& random, int maxHoles, bool grid, bool tang
     for (int tries = 0; tries < 50 && static_cast<int>(region.polygons.size()) <= holes; ++tries) {
       const XY c{-8.0 + 16.0 * unit(random), -8.0 + 16.0 * unit(random)};
       const double r = 0.3 + 1.2 * unit(random);
-      if (!inside(c, region.polygons[0])) continue;
+      if (!insidePolygon(c, region.polygons[0])) continue;
       bool clear = true;
       for (std::size_t k = 1; k < region.polygons.size() && clear; ++k) {
-        clear = !inside(c, region.polygons[k]);
+        clear = !insidePolygon(c, region.polygons[k]);
       }
       for (std::size_t k = 0; k < region.polygons.size() && clear; ++k) {
         const Polygon& p = region.polygons[k];
