@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "mesher/convex.h"
+#include "mesher/strip.h"
 #include "support/mesh_fixture.h"
 
 namespace kntr::testing {
@@ -276,6 +277,20 @@ TEST_F(TrianglesTest, RowsFillTheAreaInsideTheirWalk) {
     // The first row stands half the rest below the top.
     EXPECT_EQ(v(1).y, 5.0 - (10.0 - static_cast<int>(10.0 / h) * h) / 2.0);
   }
+}
+
+// A wrong diagonal rule can keep the strip swaps going round for ever; here
+// it fails at once.
+TEST(DiagonalTest, CircumcircleRuleDecides) {
+  // A square: both diagonals are as good.
+  EXPECT_EQ(mesher::IQDGCV({0, 0}, {1, 0}, {1, 1}, {0, 1}), 0);
+  // A rhombus flat along p2-p4: the angles at p1 and p3 are wide, so the
+  // other diagonal p1-p3 is better.
+  EXPECT_EQ(mesher::IQDGCV({0, -1}, {3, 0}, {0, 1}, {-3, 0}), 1);
+  // The same rhombus named from p2: the diagonal p2-p4 is the short one.
+  EXPECT_EQ(mesher::IQDGCV({3, 0}, {0, 1}, {-3, 0}, {0, -1}), -1);
+  // One acute and one obtuse angle: the sine of their sum decides.
+  EXPECT_EQ(mesher::IQDGCV({0, 0}, {4, 0}, {5, 2}, {0, 3}), -1);
 }
 
 TEST_F(TrianglesTest, RunningOutOfRoomIsReported) {

@@ -45,13 +45,14 @@ TEST_F(Knots, EachParameterizationAgainstItsClosedForm) {
        false,
        {14.0 / 6.0, 28.0 / 6.0, 42.0 / 6.0},
        1e-12},
-      // A square of side 4: roots 2, scaled by 16 / 8; the closing segment
-      // keeps its bare root.
+      // A 4 by 1 rectangle: chords 4, 1, 4, 1 and roots 2, 1, 2, 1, scaled by
+      // 10 / 6, the closing chord counted; the closing segment keeps its
+      // bare root.
       {"closed centripetal",
        ParamCentripetal,
-       {P(0, 0), P(4, 0), P(4, 4), P(0, 4)},
+       {P(0, 0), P(4, 0), P(4, 1), P(0, 1)},
        true,
-       {4, 4, 4, 2},
+       {10.0 / 3.0, 5.0 / 3.0, 10.0 / 3.0, 1},
        1e-12},
       {"coincident centripetal",
        ParamCentripetal,
