@@ -208,20 +208,6 @@ TEST_F(DataFile, TooManyCurvesOrPointsAreRefusedEarly) {
   EXPECT_EQ(profile().NPRPNT(1), 0);
 }
 
-TEST_F(DataFile, TypeZeroLoadsAsContinuousCurvatureAndWeightsOnlyStayWithKnuckles) {
-  profile().PRKWGT(1, 3) = 0.75;
-  ASSERT_TRUE(load("0 0.01 1\n0 1 0 1\n0 0\n3 F 2\n1 0 0.1 0.2\n2 1 0.3 0.4\n0.5\n3 0 0.6 0.7\n"))
-      << output();
-  const ProfileData& p = profile();
-  EXPECT_EQ(p.PRFTYP, PolylineProfile);
-  EXPECT_EQ(p.PRPTYP(1, 1), ContinuousCurvature);
-  EXPECT_EQ(p.PRPTYP(1, 2), Knuckle);
-  EXPECT_EQ(p.PRKWGT(1, 2), 0.5);
-  EXPECT_EQ(p.PRPTYP(1, 3), ContinuousCurvature);
-  EXPECT_EQ(p.PRPNTS(1, 3), (A2{{0.6, 0.7}}));
-  EXPECT_EQ(p.PRKWGT(1, 3), 0.0);
-}
-
 TEST_F(DataFile, LineCounterOfFormatErrors) {
   const std::string start = "1 0.01 2\n0 1 0 1\n0 0\n";
   std::vector<std::pair<std::string, int>> cases = {
@@ -268,25 +254,27 @@ TEST_F(DataFile, FreeFormVariants) {
   p.PRREFP(1) = 2.5;
   p.PRTANV(1, 2)(2) = 0.8;
   p.PRTANL(2, 2)(2) = 0.5;
+  p.PRKWGT(2, 3) = 0.75;  // only a knuckle keeps a weight
   const std::string body =
-      "  1 , 1.5D-2,2\n"        // commas, D exponent
-      "-1\t1*\n"                // a tab; one null item; the record goes on on the next line
-      "\n"                      // a blank line between items
-      "-4,\n"                   // a comma and the end of a line make one separator
-      "4.0E+00 extra items\n"   // what a record does not need is dropped
-      ",7\n"                    // a leading comma: a null item
-      "2 .TRUE. 3\n"            // .TRUE.
-      "1 1 1 2\n"               // integers for reals
-      ".5\n"                    //
-      "2 6 +3.0d0 -4q0\n"       // lower-case d and q
-      "0.6,,2*1.25\n"           // two commas: a null item; a repeat count
-      "3 f 1\n"                 // lower-case logical
-      "1 3 1e1 1.E1\n"          //
-      "1 0 1.0\n"               //
-      "2 4 5 6\n"               //
+      "  0 , 1.5D-2,2\n"       // commas, D exponent
+      "-1\t1*\n"               // a tab; one null item; the record goes on on the next line
+      "\n"                     // a blank line between items
+      "-4,\n"                  // a comma and the end of a line make one separator
+      "4.0E+00 extra items\n"  // what a record does not need is dropped
+      ",7\n"                   // a leading comma: a null item
+      "2 .TRUE. 3\n"           // .TRUE.
+      "1 1 1 2\n"              // integers for reals
+      ".5\n"
+      "2 6 +3.0d0 -4q0\n"  // lower-case d and q
+      "0.6,,2*1.25\n"      // two commas: a null item; a repeat count
+      "3 f 1\n"            // lower-case logical
+      "1 3 1e1 1.E1\n"
+      "1 0 1.0\n"
+      "2 4 5 6\n"
       "0 1/ 9 after a slash\n"  // a slash ends the record
-      "3 2 7 8\n";
+      "3 0 7 8\n";              // type 0 reads as 2, with no extra record
   ASSERT_TRUE(load(body)) << output();
+  EXPECT_EQ(p.PRFTYP, PolylineProfile);
   EXPECT_EQ(p.SPLACC, 0.015);
   EXPECT_EQ(p.NPRCRV, 2);
   EXPECT_EQ(p.PRBBOX, (A4{{-1, 5, -4, 4}}));
@@ -307,6 +295,8 @@ TEST_F(DataFile, FreeFormVariants) {
   EXPECT_EQ(p.PRTANV(2, 2), (A4{{0, 0, 0, 1}}));
   EXPECT_EQ(p.PRTANL(2, 2)(2), 0.5);
   EXPECT_EQ(p.PRPNTS(2, 3), (A2{{7, 8}}));
+  EXPECT_EQ(p.PRPTYP(2, 3), ContinuousCurvature);
+  EXPECT_EQ(p.PRKWGT(2, 3), 0.0);
 }
 
 TEST_F(DataFile, MissingFileIsNoFailureAndOnlyTheLoudReadSaysSo) {

@@ -69,7 +69,7 @@ TEST_F(FileMenu, SaveOverAnExistingFile) {
   } cases[] = {
       {"no\n", "", true, false},         // refused: the data stay unsaved
       {"$\n", twoPages, false, false},   // cancelled: nothing written, yet the flag goes
-      {"yes\n", twoPages, false, true},  //
+      {"yes\n", twoPages, false, true},  // stored, with its pages
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.answer);
