@@ -90,10 +90,14 @@ TEST_F(FileMenu, SaveOverAnExistingFile) {
   }
 }
 
-TEST_F(FileMenu, NothingToSave) {
+TEST_F(FileMenu, RowsAndNothingToSave) {
   runMenu(std::string("2\n") + "\n" + "3\n" + "\n" + leave);
-  EXPECT_EQ(occurrences(output(), "No profile curves available to save!"), 2);
+  const std::string out = output();
+  EXPECT_EQ(occurrences(out, "No profile curves available to save!"), 2);
   EXPECT_TRUE(listing().empty());
+  for (const char* row :
+       {"FILE MANIPULATION", "1.  ... Load profile(s)", "6.  ... Reset", "7.  ... RETURN"})
+    EXPECT_NE(out.find(row), npos) << row;
 }
 
 TEST_F(FileMenu, EmptyProfileIsStoredAfterTheQuestionAndReloadsWithItsBox) {
@@ -120,6 +124,10 @@ TEST_F(FileMenu, EmptyProfileIsStoredAfterTheQuestionAndReloadsWithItsBox) {
   EXPECT_TRUE(p.BBOXOK);
   EXPECT_EQ(p.NPRCRV, 0);
   EXPECT_EQ(p.PRBBOX(2), 3.0);
+  // A quiet store asks nothing.
+  script("");
+  PTKNTR(path("quiet.KNT"), true, status);
+  EXPECT_TRUE(fw::fileExists(path("quiet.KNT")));
 }
 
 TEST_F(FileMenu, LoadOfAMissingTemporaryFileOnlyClearsTheFlag) {
@@ -193,6 +201,15 @@ TEST_F(FileMenu, SaveAsAsksForAName) {
   // RETURN takes the project's file; abort leaves the whole menu.
   runMenu(std::string("3\n") + "\n" + twoPages + "3\n" + "$\n");
   EXPECT_TRUE(fw::fileExists(kntrFile()));
+}
+
+TEST_F(FileMenu, ResetAfterTheQuestion) {
+  triangle(0.0);
+  runMenu(std::string("6\n") + "no\n" + leave);
+  EXPECT_EQ(profile().NPRCRV, 1);
+  runMenu(std::string("6\n") + "yes\n" + leave);
+  EXPECT_EQ(profile().NPRCRV, 0);
+  EXPECT_FALSE(profile().BBOXOK);
 }
 
 }  // namespace

@@ -58,6 +58,7 @@ TEST(MainMenu, RowsShowTheirStateAndKeepTheirSpelling) {
   EXPECT_EQ(rows[3], "( Manipulate profile)");
   EXPECT_EQ(rows[5], "( Print profile )");
   EXPECT_EQ(rows[8], "Setup{NWM");
+  EXPECT_EQ(rows[11], "EXIT");
   profile().BBOXOK = true;
   rows = mainMenuRows();
   EXPECT_EQ(rows[0], "Modify bounding box");

@@ -24,6 +24,7 @@ check "every answer taken" bash -c "! grep -qE 'undefined constant|Input must be
 check "target question" contains out "Printer is? (screen = 1, cancel = 2)"
 check "outline printed" contains out "Number of curves .................................. :    2"
 check "table title" contains out "Profile offset point definition"
+check "outline before the table" awk '/Number of curves/ && !o {o = NR} /Profile offset point/ && !t {t = NR} END {exit !(o && o < t)}' out
 rule='+------+------------+------------+------------+---------------------+'
 check "top, middle and foot rules" test "$(grep -cxF -- "$rule" out)" -eq 3
 check "first head line" grep -qxF -- '!Point !   X-coord  !   Y-coord  !   Knuckle  !     Point type      !' out
