@@ -214,44 +214,40 @@ TEST_F(CurvePick, PicksNearOnAndFarFromASpline) {
   EXPECT_EQ(output(), "");
 }
 
-TEST_F(CurvePick, TwoCurvesAtSimilarDistancesAreAmbiguous) {
+TEST_F(CurvePick, PicksOnPolylines) {
   profile().PRFTYP = PolylineProfile;
-  showBox(5);
-  addCurve({{-2, 0}, {2, 0}}, false, Knuckle);
-  addCurve({{-2, 0.2}, {2, 0.2}}, false, Knuckle);
-  EXPECT_EQ(pick(0.5, 0.1).verdict, PickAmbiguous);
-  // Five times nearer to one of them settles it; the foot is on the line.
-  const Pick found = pick(0.5, 0.02);
-  EXPECT_EQ(found.verdict, PickFound);
-  EXPECT_EQ(found.curve, 1);
-  EXPECT_EQ(found.segment, 1);
-  EXPECT_NEAR(found.x, 0.5, 0.01);
-  EXPECT_NEAR(found.y, 0.0, 1e-12);
-}
-
-TEST_F(CurvePick, TheClosingChordIsTheLastSegment) {
-  profile().PRFTYP = PolylineProfile;
-  showBox(5);
+  showBox(5);  // a pick radius of 0.3
+  addCurve({{-2, -4}, {2, -4}}, false, Knuckle);
+  addCurve({{-2, -3.8}, {2, -3.8}}, false, Knuckle);
   addCurve({{0, 0}, {3, 0}, {3, 3}, {0, 3}}, true, Knuckle);
-  const Pick found = pick(-0.1, 1.2);
-  EXPECT_EQ(found.verdict, PickFound);
-  EXPECT_EQ(found.segment, 4);
-  EXPECT_NEAR(found.x, 0.0, 1e-12);
-  // Halving stops once both halves are within the tolerance of each other:
-  // about sqrt(2 d tol) along a straight chord.
-  EXPECT_NEAR(found.y, 1.2, std::sqrt(2 * 0.1 * 0.01));
-}
-
-TEST_F(CurvePick, TooManyCandidatesAreAmbiguous) {
-  profile().PRFTYP = PolylineProfile;
-  showBox(5);
   std::vector<XY> dense;
-  for (int i = 0; i < 30; ++i) dense.push_back(XY{0.01 * i, 0.01 * (i % 2)});
+  for (int i = 0; i < 30; ++i) dense.push_back(XY{-4.5 + 0.01 * i, 4 + 0.01 * (i % 2)});
   addCurve(dense, false, Knuckle);
-  const Pick found = pick(0.15, 0.05);
-  EXPECT_EQ(found.verdict, PickAmbiguous);
-  EXPECT_EQ(found.curve, 1);
-  EXPECT_EQ(found.segment, 1);
+
+  // Between two curves at similar distances: ambiguous. Five times nearer to
+  // one of them settles it; the foot is on the line.
+  EXPECT_EQ(pick(0.5, -3.9).verdict, PickAmbiguous);
+  const Pick line = pick(0.5, -3.98);
+  EXPECT_EQ(line.verdict, PickFound);
+  EXPECT_EQ(line.curve, 1);
+  EXPECT_EQ(line.segment, 1);
+  EXPECT_NEAR(line.x, 0.5, 0.01);
+  EXPECT_NEAR(line.y, -4.0, 1e-12);
+
+  // The closing chord is the last segment. Halving stops once both halves
+  // are within the tolerance of each other: about sqrt(2 d tol) along it.
+  const Pick chord = pick(-0.1, 1.2);
+  EXPECT_EQ(chord.verdict, PickFound);
+  EXPECT_EQ(chord.curve, 3);
+  EXPECT_EQ(chord.segment, 4);
+  EXPECT_NEAR(chord.x, 0.0, 1e-12);
+  EXPECT_NEAR(chord.y, 1.2, std::sqrt(2 * 0.1 * 0.01));
+
+  // More than 20 candidates: ambiguous, naming the first.
+  const Pick crowd = pick(-4.35, 4.05);
+  EXPECT_EQ(crowd.verdict, PickAmbiguous);
+  EXPECT_EQ(crowd.curve, 4);
+  EXPECT_EQ(crowd.segment, 1);
 }
 
 }  // namespace
