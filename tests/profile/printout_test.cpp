@@ -9,6 +9,7 @@
 
 #include "framework/state.h"
 #include "profile/block.h"
+#include "support/curve_builder.h"
 #include "support/printer_fixture.h"
 
 namespace kntr::profile {
@@ -25,22 +26,19 @@ class Printout : public kntr::testing::PrinterTest {
     p.PRREFP(1) = 1.5;
     p.PRREFP(2) = -1234.5678;
     // Curve 1: one point of every type; curve 2: three knuckles.
-    p.NPRCRV = 2;
-    p.NPRPNT(1) = 8;
-    const double xy[8][2] = {{0.0, 0.0},        {1.25, -2.5}, {12.5, 3.0},       {-0.001, 100.0},
-                             {1234.6, -0.0625}, {7.0, 7.0},   {99999.0, 1.0e-7}, {-3.5, 2.0}};
-    for (int j = 1; j <= 8; ++j) {
-      p.PRPNTS(1, j) = Array1<double, 2>{{xy[j - 1][0], xy[j - 1][1]}};
-      p.PRPTYP(1, j) = j;
-    }
+    kntr::testing::addCurve({{0.0, 0.0},
+                             {1.25, -2.5},
+                             {12.5, 3.0},
+                             {-0.001, 100.0},
+                             {1234.6, -0.0625},
+                             {7.0, 7.0},
+                             {99999.0, 1.0e-7},
+                             {-3.5, 2.0}},
+                            false);
+    for (int j = 1; j <= 8; ++j) p.PRPTYP(1, j) = j;
     p.PRKWGT(1, 1) = 0.5;
     p.PRKWGT(1, 2) = 0.75;  // kept by a tangent editor: not shown for type 2
-    p.NPRPNT(2) = 3;
-    for (int j = 1; j <= 3; ++j) {
-      p.PRPNTS(2, j) = Array1<double, 2>{{10.0 * j, -1.0 * j}};
-      p.PRPTYP(2, j) = Knuckle;
-      p.PRKWGT(2, j) = 1.0;
-    }
+    kntr::testing::addCurve({{10, -1}, {20, -2}, {30, -3}}, false, Knuckle);
     p.CURCRV = 1;
   }
   // The outline on the screen, up to the blank lines that fill the page.
