@@ -296,8 +296,10 @@ void SCROLL(std::string_view text, int lastPage, int& currentPage, bool& status)
   } else {
     currentPage = std::max(1, currentPage - 1);
   }
-  // The paging question.
-  blankLines(lines - row - 1);
+  // The paging question, on the last three lines of the screen: the fill
+  // stops where its two blank lines and the question keep the page in
+  // place.
+  blankLines(lines - row - 3);
   int code = 0, value = 0;
   SCRINP(code, value);
   if (code == 0) {

@@ -3,41 +3,32 @@
 #include <gtest/gtest.h>
 
 #include "profile/block.h"
-#include "support/console_fixture.h"
+#include "support/curve_builder.h"
 
 namespace kntr::profile {
 namespace {
 
-class KeyIn : public kntr::testing::ConsoleTest {
+class KeyIn : public kntr::testing::ProfileTest {
  protected:
   void SetUp() override {
-    ConsoleTest::SetUp();
+    ProfileTest::SetUp();
     resize(80, 24);
-    resetProfileBlock();
-    ProfileData& p = profile();
-    p.BBOXOK = true;
-    p.PRBBOX(1) = 0.0;
-    p.PRBBOX(2) = 10.0;
-    p.PRBBOX(3) = -5.0;
-    p.PRBBOX(4) = 5.0;
-    IZACCY();
+    kntr::testing::setBox(0.0, 10.0, -5.0, 5.0);
   }
   ProfileData& p = profile();
 };
 
 TEST_F(KeyIn, BoxRangesMustBeOrderedAndModifyOffersThePresentValues) {
-  type("3,1\n\n"      // refused, then RETURN for the error
-       "1,3\n"
-       "1\n\n"        // one value: wrong number of arguments
-       "-2,2\n");
+  type(
+      "3,1\n\n"  // refused, then RETURN for the error
+      "1,3\n"
+      "1\n\n"  // one value: wrong number of arguments
+      "-2,2\n");
   bool cancelled = true, status = true;
   INBBOX(false, cancelled, status);
   EXPECT_FALSE(status);
   EXPECT_FALSE(cancelled);
-  EXPECT_EQ(p.PRBBOX(1), 1.0);
-  EXPECT_EQ(p.PRBBOX(2), 3.0);
-  EXPECT_EQ(p.PRBBOX(3), -2.0);
-  EXPECT_EQ(p.PRBBOX(4), 2.0);
+  EXPECT_EQ(p.PRBBOX, (Array1<double, 4>{{1, 3, -2, 2}}));
   const std::string shown = output();
   EXPECT_NE(shown.find("Max X-coordinate must be larger than min!"), std::string::npos);
   EXPECT_NE(shown.find("Wrong number of arguments"), std::string::npos);
@@ -47,19 +38,19 @@ TEST_F(KeyIn, BoxRangesMustBeOrderedAndModifyOffersThePresentValues) {
   INBBOX(true, cancelled, status);
   EXPECT_TRUE(cancelled);
   EXPECT_FALSE(status);
-  EXPECT_EQ(p.PRBBOX(1), 1.0);
-  EXPECT_EQ(p.PRBBOX(4), 2.0);
+  EXPECT_EQ(p.PRBBOX, (Array1<double, 4>{{1, 3, -2, 2}}));
   EXPECT_NE(output().find("(default  1.000E+00,  3.000E+00)"), std::string::npos);
 }
 
 TEST_F(KeyIn, FirstCurveAsksTypeAndReferenceThenPoints) {
-  type("1\n"            // cubic spline profile
-       "2.5,1\n"        // reference point
-       "0,0\n1\n"       // point 1, CC
-       "20,0\n2\n"      // point 2 beyond the box: stored at the edge, knuckle
-       "5,-9\n\n"       // point 3 below the box, default type (CC)
-       "\n"             // DONE
-       "yes\n");        // close the curve
+  type(
+      "1\n"        // cubic spline profile
+      "2.5,1\n"    // reference point
+      "0,0\n1\n"   // point 1, CC
+      "20,0\n2\n"  // point 2 beyond the box: stored at the edge, knuckle
+      "5,-9\n\n"   // point 3 below the box, default type (CC)
+      "\n"         // DONE
+      "yes\n");    // close the curve
   bool status = false;
   KYPRCV(status);
   EXPECT_TRUE(status);  // a key-in always ends this way
@@ -82,12 +73,13 @@ TEST_F(KeyIn, FirstCurveAsksTypeAndReferenceThenPoints) {
 TEST_F(KeyIn, CoincidentPointsAreIgnoredAndReturningToTheStartOffersClosure) {
   p.NPRCRV = 1;
   p.PRFTYP = PolylineProfile;
-  type("1,1\n"
-       "1.001,1\n\n"    // coincides with the previous point: error, RETURN
-       "4,1\n"
-       "4,4\n"
-       "1,1.001\n"      // back on the first point: close? default yes
-       "\n");
+  type(
+      "1,1\n"
+      "1.001,1\n\n"  // coincides with the previous point: error, RETURN
+      "4,1\n"
+      "4,4\n"
+      "1,1.001\n"  // back on the first point: close? default yes
+      "\n");
   bool status = true;
   INPRPN(1, status);
   EXPECT_FALSE(status);
@@ -101,9 +93,7 @@ TEST_F(KeyIn, CoincidentPointsAreIgnoredAndReturningToTheStartOffersClosure) {
 
 TEST_F(KeyIn, TwoPointCurvesAreNotOfferedClosure) {
   p.NPRCRV = 1;
-  type("1,1\n" "\n"    // point and its type
-       "2,2\n" "\n"
-       "\n");          // DONE
+  type("1,1\n\n2,2\n\n\n");  // two points of the default type, DONE
   bool status = true;
   INPRPN(1, status);
   EXPECT_FALSE(status);
@@ -112,43 +102,41 @@ TEST_F(KeyIn, TwoPointCurvesAreNotOfferedClosure) {
   EXPECT_EQ(output().find("OK to close"), std::string::npos);
 }
 
-TEST_F(KeyIn, AbortThrowsTheCurveAway) {
+TEST_F(KeyIn, AnAbortOrTheLimitOfTenCurvesLeavesNoNewCurve) {
   p.NPRCRV = 2;
-  p.NPRPNT(2) = 5;
-  type("3,3\n\n"   // one point
-       "$\n");      // then abort
+  type(
+      "3,3\n\n"  // one point
+      "$\n");    // then abort
   bool status = false;
   KYPRCV(status);  // a third curve: no profile type question
   EXPECT_TRUE(status);
   EXPECT_EQ(p.NPRCRV, 2);
-}
 
-TEST_F(KeyIn, TenCurvesIsTheLimit) {
   p.NPRCRV = MaxCurves;
   type("\n");
-  bool status = true;
   KYPRCV(status);
   EXPECT_FALSE(status);
   EXPECT_NE(output().find("Max number of profile curves reached!"), std::string::npos);
   EXPECT_EQ(p.NPRCRV, MaxCurves);
 }
 
-TEST_F(KeyIn, RemovalMovesTheFollowingCurvesDown) {
-  p.NPRCRV = 3;
-  for (int c = 1; c <= 3; ++c) {
+TEST_F(KeyIn, DeletionMovesTheFollowingCurvesDownAndChoosesTheCurrentOne) {
+  p.NPRCRV = 4;
+  for (int c = 1; c <= 4; ++c) {
     p.NPRPNT(c) = c + 1;
     p.PRPARM(c) = c;
     p.PRCLSD(c) = c == 3;
     for (int j = 1; j <= c + 1; ++j) {
       p.PRPNTS(c, j)(1) = 10.0 * c + j;
-      p.PRTANL(c, j)(1) = c;
-      p.PRTANL(c, j)(2) = -c;
+      p.PRTANL(c, j) = Array1<double, 2>{{1.0 * c, -1.0 * c}};
     }
   }
+  p.CURCRV = 1;
   bool status = true;
-  RMPRCV(2, status);
+  deleteCurrentCurve(status);
   EXPECT_FALSE(status);
-  EXPECT_EQ(p.NPRCRV, 2);
+  EXPECT_EQ(p.NPRCRV, 3);
+  EXPECT_EQ(p.CURCRV, 1);
   EXPECT_EQ(p.NPRPNT(2), 4);
   EXPECT_TRUE(p.PRCLSD(2));
   EXPECT_EQ(p.PRPNTS(2, 4)(1), 34.0);
@@ -156,25 +144,15 @@ TEST_F(KeyIn, RemovalMovesTheFollowingCurvesDown) {
   // The trailing length and the parameterization stay with the slot.
   EXPECT_EQ(p.PRTANL(2, 1)(2), -2.0);
   EXPECT_EQ(p.PRPARM(2), 2);
-  type("\n");
-  RMPRCV(3, status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(RMPRCV) Illegal profile curve index!"), std::string::npos);
-}
 
-TEST_F(KeyIn, DeletingTheCurrentCurveChoosesTheOneBefore) {
-  p.NPRCRV = 4;
-  for (int c = 1; c <= 4; ++c) p.NPRPNT(c) = 2;
-  p.CURCRV = 1;
-  bool status = true;
-  deleteCurrentCurve(status);
-  EXPECT_FALSE(status);
-  EXPECT_EQ(p.NPRCRV, 3);
-  EXPECT_EQ(p.CURCRV, 1);
   p.CURCRV = 3;
   deleteCurrentCurve(status);
   EXPECT_EQ(p.NPRCRV, 2);
   EXPECT_EQ(p.CURCRV, 2);
+  type("\n");
+  RMPRCV(3, status);
+  EXPECT_TRUE(status);
+  EXPECT_NE(output().find("(RMPRCV) Illegal profile curve index!"), std::string::npos);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "framework/state.h"
 #include "profile/block.h"
 #include "profile/datafile.h"
+#include "support/curve_builder.h"
 #include "support/dialogue_fixture.h"
 #include "support/scratch_directory.h"
 
@@ -18,6 +19,7 @@ namespace fw = framework;
 const char* const leave = "7\n";
 // The two pages shown after a load or a store: file information, outline.
 const char* const twoPages = "\n\n";
+constexpr auto npos = std::string::npos;
 
 class FileMenu : public kntr::testing::DialogueTest, public kntr::testing::ScratchDirectory {
  protected:
@@ -35,33 +37,20 @@ class FileMenu : public kntr::testing::DialogueTest, public kntr::testing::Scrat
   }
   void TearDown() override {
     fileDisplayHooks() = {};
+    fw::resetActiveFiles();
     DialogueTest::TearDown();
   }
 
-  // A small profile: one closed curve of three points.
+  // A small profile: one closed curve of three points, the first a knuckle.
   static void triangle(double shift) {
-    ProfileData& p = profile();
-    p.PRBBOX(2) = 10.0;
-    p.PRBBOX(4) = 10.0;
-    p.BBOXOK = true;
-    IZACCY();
-    p.NPRCRV = 1;
-    p.NPRPNT(1) = 3;
-    p.PRCLSD(1) = true;
-    p.PRPARM(1) = ChordLength;
-    for (int j = 1; j <= 3; ++j) {
-      p.PRPTYP(1, j) = j == 1 ? Knuckle : ContinuousCurvature;
-      p.PRPNTS(1, j)(1) = shift + j;
-      p.PRPNTS(1, j)(2) = shift + 2.0 * j;
-    }
-    p.PRKWGT(1, 1) = 1.0;
+    resetProfileBlock();
+    kntr::testing::setBox(0, 10, 0, 10);
+    kntr::testing::addCurve(
+        {{shift + 1, shift + 2}, {shift + 2, shift + 4}, {shift + 3, shift + 6}}, true);
+    profile().PRPTYP(1, 1) = Knuckle;
+    profile().PRKWGT(1, 1) = 1.0;
   }
   std::string kntrFile() { return path("ship.KNT"); }
-  void storeQuietly(const std::string& name) {
-    bool status = true;
-    PTKNTR(name, true, status);
-    ASSERT_FALSE(status);
-  }
   void runMenu(const std::string& keys) {
     script(keys);
     bool status = true;
@@ -71,53 +60,44 @@ class FileMenu : public kntr::testing::DialogueTest, public kntr::testing::Scrat
   }
 };
 
-TEST_F(FileMenu, OverwriteAnsweredNoKeepsTheModifiedFlagAndTheFile) {
-  triangle(0.0);
-  storeQuietly(kntrFile());
-  const std::string before = readFile(kntrFile());
-  triangle(1.0);
-  profile().MODFLG = true;
-  runMenu(std::string("2\n") + "no\n" + leave);
-  EXPECT_TRUE(profile().MODFLG);
-  EXPECT_EQ(readFile(kntrFile()), before);
-  EXPECT_NE(output().find("OK to overwrite the file \"" + kntrFile() + "\"? (yes/no)"),
-            std::string::npos);
+TEST_F(FileMenu, SaveOverAnExistingFile) {
+  const struct {
+    const char* answer;  // to the overwrite question
+    const char* after;   // the pages shown after the store
+    bool modified;       // MODFLG afterwards
+    bool written;
+  } cases[] = {
+      {"no\n", "", true, false},         // refused: the data stay unsaved
+      {"$\n", twoPages, false, false},   // cancelled: nothing written, yet the flag goes
+      {"yes\n", twoPages, false, true},  // stored, with its pages
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.answer);
+    triangle(0.0);
+    bool status = true;
+    PTKNTR(kntrFile(), true, status);
+    ASSERT_FALSE(status);
+    const std::string before = readFile(kntrFile());
+    triangle(1.0);
+    profile().MODFLG = true;
+    runMenu(std::string("2\n") + c.answer + c.after + leave);
+    EXPECT_EQ(profile().MODFLG, c.modified);
+    EXPECT_EQ(readFile(kntrFile()) != before, c.written);
+    const std::string out = output();
+    EXPECT_NE(out.find("OK to overwrite the file \"" + kntrFile() + "\"? (yes/no)"), npos);
+    EXPECT_EQ(out.find("Storing profile-data in \"" + kntrFile() + "\"") != npos, c.written);
+    EXPECT_EQ(out.find("Profile outline") != npos, *c.after != '\0');
+  }
 }
 
-TEST_F(FileMenu, OverwriteCancelledClearsTheModifiedFlagAndWritesNothing) {
-  triangle(0.0);
-  storeQuietly(kntrFile());
-  const std::string before = readFile(kntrFile());
-  triangle(1.0);
-  profile().MODFLG = true;
-  runMenu(std::string("2\n") + "$\n" + twoPages + leave);
-  EXPECT_FALSE(profile().MODFLG);
-  EXPECT_EQ(readFile(kntrFile()), before);
-}
-
-TEST_F(FileMenu, OverwriteAnsweredYesStoresAndShowsTheOutline) {
-  triangle(0.0);
-  storeQuietly(kntrFile());
-  triangle(1.0);
-  const ProfileData saved = profile();
-  profile().MODFLG = true;
-  runMenu(std::string("2\n") + "yes\n" + twoPages + leave);
-  EXPECT_FALSE(profile().MODFLG);
-  const std::string said = output();
-  EXPECT_NE(said.find("Storing profile-data in \"" + kntrFile() + "\""), std::string::npos);
-  EXPECT_NE(said.find("Last date modified"), std::string::npos);
-  EXPECT_NE(said.find("Profile outline"), std::string::npos);
-  resetProfileBlock();
-  bool loaded = false, status = true;
-  GTKNTR(kntrFile(), true, loaded, status);
-  ASSERT_TRUE(loaded);
-  EXPECT_EQ(profile().PRPNTS(1, 2)(1), saved.PRPNTS(1, 2)(1));
-}
-
-TEST_F(FileMenu, NothingToSave) {
+TEST_F(FileMenu, RowsAndNothingToSave) {
   runMenu(std::string("2\n") + "\n" + "3\n" + "\n" + leave);
-  EXPECT_EQ(occurrences(output(), "No profile curves available to save!"), 2);
+  const std::string out = output();
+  EXPECT_EQ(occurrences(out, "No profile curves available to save!"), 2);
   EXPECT_TRUE(listing().empty());
+  for (const char* row :
+       {"FILE MANIPULATION", "1.  ... Load profile(s)", "6.  ... Reset", "7.  ... RETURN"})
+    EXPECT_NE(out.find(row), npos) << row;
 }
 
 TEST_F(FileMenu, EmptyProfileIsStoredAfterTheQuestionAndReloadsWithItsBox) {
@@ -132,7 +112,7 @@ TEST_F(FileMenu, EmptyProfileIsStoredAfterTheQuestionAndReloadsWithItsBox) {
     EXPECT_FALSE(status);
     EXPECT_FALSE(fw::fileExists(name));
   }
-  EXPECT_NE(output().find("OK to store profile data with no curves? (yes/no)"), std::string::npos);
+  EXPECT_NE(output().find("OK to store profile data with no curves? (yes/no)"), npos);
   script("yes\n");
   PTKNTR(name, false, status);
   EXPECT_FALSE(status);
@@ -144,31 +124,10 @@ TEST_F(FileMenu, EmptyProfileIsStoredAfterTheQuestionAndReloadsWithItsBox) {
   EXPECT_TRUE(p.BBOXOK);
   EXPECT_EQ(p.NPRCRV, 0);
   EXPECT_EQ(p.PRBBOX(2), 3.0);
-}
-
-TEST_F(FileMenu, BackupFileBringsBackTheSessionStart) {
-  // What the session start does once it has loaded the project's file.
-  triangle(0.0);
-  std::string backup;
-  bool status = true;
-  fw::IQISFN("BCKP", backup, status);
-  ASSERT_FALSE(status);
-  EXPECT_EQ(backup, path("ship.KNB"));
-  storeQuietly(backup);
-  ProfileData atStart = profile();
-
-  // Work of the session.
-  triangle(5.0);
-  profile().NPRPNT(1) = 2;
-  profile().PRCLSD(1) = false;
-  profile().MODFLG = true;
-
-  runMenu(std::string("5\n") + "yes\n" + twoPages + leave);
-  EXPECT_NE(output().find("OK to load KNTR data without saving current data? (yes/no)"),
-            std::string::npos);
-  atStart.CURCRV = 1;
-  EXPECT_TRUE(profile() == atStart);
-  EXPECT_FALSE(profile().MODFLG);
+  // A quiet store asks nothing.
+  script("");
+  PTKNTR(path("quiet.KNT"), true, status);
+  EXPECT_TRUE(fw::fileExists(path("quiet.KNT")));
 }
 
 TEST_F(FileMenu, LoadOfAMissingTemporaryFileOnlyClearsTheFlag) {
@@ -176,14 +135,13 @@ TEST_F(FileMenu, LoadOfAMissingTemporaryFileOnlyClearsTheFlag) {
   const ProfileData before = profile();
   profile().MODFLG = true;
   runMenu(std::string("4\n") + "yes\n" + "\n" + leave);
-  EXPECT_NE(output().find("\"" + path("KNTR.TMP") + "\" is non-existent!"), std::string::npos);
-  EXPECT_FALSE(profile().MODFLG);
-  profile().MODFLG = false;
+  const std::string out = output();
+  EXPECT_NE(out.find("OK to load KNTR data without saving current data? (yes/no)"), npos);
+  EXPECT_NE(out.find("\"" + path("KNTR.TMP") + "\" is non-existent!"), npos);
   EXPECT_TRUE(profile() == before);
 
-  // With no curves there is no question.
-  resetProfileBlock();
-  triangle(0.0);
+  // The temporary file goes to the project's directory; with no curves there
+  // is no question.
   bool status = true;
   STTEMP(status);
   resetProfileBlock();
@@ -192,22 +150,26 @@ TEST_F(FileMenu, LoadOfAMissingTemporaryFileOnlyClearsTheFlag) {
 }
 
 TEST_F(FileMenu, LoadAsksFirstAndResetsOnFailure) {
+  // The module's callbacks store and load the project's file.
+  IZKNTF();
+  EXPECT_EQ(fw::callbacks().load, &LDKNTR);
+  EXPECT_EQ(fw::callbacks().backup, &STTEMP);
   triangle(0.0);
-  storeQuietly(kntrFile());
+  bool status = true;
+  fw::callbacks().store(status);
+  ASSERT_FALSE(status);
   triangle(2.0);
   profile().MODFLG = true;
   const ProfileData edited = profile();
   runMenu(std::string("1\n") + "no\n" + leave);
   EXPECT_TRUE(profile() == edited);
 
-  double box[4] = {0, 0, 0, 0};
-  static double* seen = box;
-  seen = box;
+  static double box[4];
   fileDisplayHooks().setViewBox = [](double a, double b, double c, double d) {
-    seen[0] = a;
-    seen[1] = b;
-    seen[2] = c;
-    seen[3] = d;
+    box[0] = a;
+    box[1] = b;
+    box[2] = c;
+    box[3] = d;
   };
   runMenu(std::string("1\n") + "yes\n" + twoPages + leave);
   EXPECT_EQ(profile().PRPNTS(1, 1)(1), 1.0);
@@ -219,10 +181,9 @@ TEST_F(FileMenu, LoadAsksFirstAndResetsOnFailure) {
   const std::string whole = readFile(kntrFile());
   writeFile(kntrFile(), whole.substr(0, whole.size() - 10));
   runMenu(std::string("1\n") + "yes\n" + "\n" + "\n" + leave);
-  const std::string said = output();
-  EXPECT_NE(said.find("Incorrect file format detected at line"), std::string::npos);
-  EXPECT_NE(said.find("Loading of KNTR data failed - data structure initialized!"),
-            std::string::npos);
+  const std::string out = output();
+  EXPECT_NE(out.find("Incorrect file format detected at line"), npos);
+  EXPECT_NE(out.find("Loading of KNTR data failed - data structure initialized!"), npos);
   EXPECT_EQ(profile().NPRCRV, 0);
   EXPECT_FALSE(profile().BBOXOK);
 }
@@ -235,7 +196,7 @@ TEST_F(FileMenu, SaveAsAsksForAName) {
   runMenu(std::string("3\n") + "\"\"\n" + other + "\n" + twoPages + leave);
   EXPECT_TRUE(fw::fileExists(other));
   EXPECT_FALSE(profile().MODFLG);
-  EXPECT_NE(output().find("Input name (full) for KNTR file (max 80 char)"), std::string::npos);
+  EXPECT_NE(output().find("Input name (full) for KNTR file (max 80 char)"), npos);
 
   // RETURN takes the project's file; abort leaves the whole menu.
   runMenu(std::string("3\n") + "\n" + twoPages + "3\n" + "$\n");
@@ -249,31 +210,6 @@ TEST_F(FileMenu, ResetAfterTheQuestion) {
   runMenu(std::string("6\n") + "yes\n" + leave);
   EXPECT_EQ(profile().NPRCRV, 0);
   EXPECT_FALSE(profile().BBOXOK);
-  EXPECT_NE(output().find("OK to reset module ** KNTR ** ? (yes/no)"), std::string::npos);
-}
-
-TEST_F(FileMenu, RowsShowWhatCanBeSaved) {
-  runMenu("$\n");
-  std::string said = output();
-  EXPECT_NE(said.find("FILE MANIPULATION"), std::string::npos);
-  EXPECT_NE(said.find("1.  ... Load profile(s)"), std::string::npos);
-  EXPECT_NE(said.find("7.  ... RETURN"), std::string::npos);
-  EXPECT_NE(said.find("6.  ... Reset"), std::string::npos);
-}
-
-TEST_F(FileMenu, CallbacksStoreAndLoadTheProjectsFile) {
-  IZKNTF();
-  triangle(0.0);
-  bool status = true;
-  fw::callbacks().store(status);
-  EXPECT_FALSE(status);
-  EXPECT_TRUE(fw::fileExists(kntrFile()));
-  triangle(3.0);
-  script("yes\n");
-  fw::callbacks().load(status);
-  EXPECT_FALSE(status);
-  EXPECT_EQ(profile().PRPNTS(1, 1)(1), 1.0);
-  fw::resetActiveFiles();
 }
 
 }  // namespace

@@ -1,178 +1,205 @@
 // Mesh export: the finite element and viewer files of a small known mesh
-// against files checked in, the overwrite question and failures.
+// against the golden copies, the overwrite question and failures, and the
+// export menu on a meshed profile.
 #include "profile/meshexport.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "framework/files.h"
-#include "framework/state.h"
 #include "mesher/structure.h"
+#include "profile/block.h"
+#include "profile/datafile.h"
 #include "support/dialogue_fixture.h"
+#include "support/scratch_directory.h"
 
-namespace kntr::testing {
+namespace kntr::profile {
 namespace {
 
-namespace fs = std::filesystem;
 using mesher::Triangle;
+constexpr auto npos = std::string::npos;
 
-std::string readFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-std::vector<std::string> lines(const std::string& text) {
-  std::vector<std::string> result;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) result.push_back(line);
-  return result;
-}
-
-class MeshExportTest : public DialogueTest {
+class MeshExport : public kntr::testing::DialogueTest, public kntr::testing::ScratchDirectory {
  protected:
   void SetUp() override {
     DialogueTest::SetUp();
-    dir_ = fs::temp_directory_path() /
-           ("kntr-export-" +
-            std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(dir_);
-    fs::create_directories(dir_);
-    framework::simulateWriteFailureAfter(-1);
-    // The small mesh: four vertices, two triangles.
-    vertices_ = {{0, 0}, {2.5, 0}, {2.5, 1.25}, {-0.125, 100000.0}};
-    triangles_.resize(2);
-    const int corners[2][3] = {{1, 2, 3}, {1, 3, 4}};
-    for (int t = 0; t < 2; ++t) {
-      for (int j = 1; j <= 3; ++j) triangles_[static_cast<std::size_t>(t)](j) = corners[t][j - 1];
-    }
-    quality_ = {0.5, 0.875};
+    resetProfileBlock();
   }
   void TearDown() override {
     framework::simulateWriteFailureAfter(-1);
-    fs::remove_all(dir_);
     DialogueTest::TearDown();
   }
 
-  void writeFem(const std::string& name, bool& status) {
-    profile::PTFEMM(4, View1<const XY>(vertices_.data(), 4), 2,
-                    View1<const Triangle>(triangles_.data(), 2), name, status);
+  // Writes the small mesh (four vertices, two triangles and their qualities)
+  // to a finite element or a viewer file, expecting a failure or not; the
+  // status starts the other way.
+  void write(bool viewer, const std::string& name, bool failure) {
+    bool status = !failure;
+    const View1<const XY> v(vertices.data(), 4);
+    const View1<const Triangle> t(triangles.data(), 2);
+    if (viewer)
+      PTTVEW(4, v, 2, t, View1<const double>(quality.data(), 2), name, status);
+    else
+      PTFEMM(4, v, 2, t, name, status);
+    EXPECT_EQ(status, failure) << output();
   }
-  void writeViewer(const std::string& name, bool& status) {
-    profile::PTTVEW(4, View1<const XY>(vertices_.data(), 4), 2,
-                    View1<const Triangle>(triangles_.data(), 2),
-                    View1<const double>(quality_.data(), 2), name, status);
+  void loadSquare() {
+    bool loaded = false, status = false;
+    GTKNTR(std::string(KNTR_SOURCE_DIR) + "/data/bench/square.kntr", true, loaded, status);
+    ASSERT_TRUE(loaded);
+    profile().MESHDN = 200;
+    output();
+  }
+  // Runs the export on `keys`, expecting a failure or not; the status
+  // starts the other way.
+  void exportMenu(const std::string& keys, bool failure = false) {
+    script(keys);
+    bool status = !failure;
+    XPMESH(status);
+    EXPECT_EQ(status, failure) << keys;
+    EXPECT_FALSE(inputLeft()) << "keys left over";
   }
   static std::string golden(const std::string& file) {
-    return readFile(fs::path(KNTR_SOURCE_DIR) / "tests/profile/golden" / file);
+    return readFile(std::string(KNTR_SOURCE_DIR) + "/tests/profile/golden/" + file);
   }
 
-  fs::path dir_;
-  std::vector<XY> vertices_;
-  std::vector<Triangle> triangles_;
-  std::vector<double> quality_;
+  const std::vector<XY> vertices = {{0, 0}, {2.5, 0}, {2.5, 1.25}, {-0.125, 100000.0}};
+  const std::vector<Triangle> triangles = {Triangle{{1, 2, 3}}, Triangle{{1, 3, 4}}};
+  const std::vector<double> quality = {0.5, 0.875};
 };
 
-TEST_F(MeshExportTest, FiniteElementFileOfASmallMesh) {
-  const std::string name = (dir_ / "small.fem").string();
-  bool status = false;
-  writeFem(name, status);
-  ASSERT_FALSE(status) << output();
-  EXPECT_EQ(readFile(name), golden("small_mesh.fem"));
-  EXPECT_NE(output().find("Storing interior mesh in ** " + name + " **"), std::string::npos);
-}
+TEST_F(MeshExport, FilesOfASmallMeshEqualTheGoldenCopies) {
+  const std::string fem = path("small.fem"), viewer = path("small.tvew");
+  write(false, fem, false);
+  EXPECT_EQ(readFile(fem), golden("small_mesh.fem"));
+  EXPECT_NE(output().find("Storing interior mesh in ** " + fem + " **"), npos);
 
-TEST_F(MeshExportTest, ViewerFileOfASmallMesh) {
-  const std::string name = (dir_ / "small.tvew").string();
-  bool status = false;
-  writeViewer(name, status);
-  ASSERT_FALSE(status) << output();
-  const std::vector<std::string> written = lines(readFile(name));
+  write(true, viewer, false);
+  const std::vector<std::string> written = readLines(viewer);
   ASSERT_GT(written.size(), 12u);
-  // The file header, with the data version of the viewer file.
-  EXPECT_NE(written[7].find("FILE VERSION:    4"), std::string::npos) << written[7];
+  // Behind the file header, with the data version of the viewer file.
+  EXPECT_NE(written[7].find("FILE VERSION:    4"), npos) << written[7];
   std::string body;
   for (std::size_t k = 12; k < written.size(); ++k) body += written[k] + "\n";
   EXPECT_EQ(body, golden("small_mesh.tvew"));
 }
 
-TEST_F(MeshExportTest, SixDigitNumbersKeepTheirBlank) {
+TEST_F(MeshExport, SixDigitNumbersKeepTheirBlank) {
   // Vertex number 100000 fills the whole I6 field, with the blank behind.
-  std::vector<XY> many(100000, XY{1.0, 2.0});
-  std::vector<Triangle> one(1);
-  one[0](1) = 100000;
-  one[0](2) = 2;
-  one[0](3) = 3;
-  const std::string name = (dir_ / "large.fem").string();
+  const std::vector<XY> many(100000, XY{1.0, 2.0});
+  const std::vector<Triangle> one = {Triangle{{100000, 2, 3}}};
+  const std::string name = path("large.fem");
   bool status = false;
-  profile::PTFEMM(100000, View1<const XY>(many.data(), 100000), 1,
-                  View1<const Triangle>(one.data(), 1), name, status);
+  PTFEMM(100000, View1<const XY>(many.data(), 100000), 1, View1<const Triangle>(one.data(), 1),
+         name, status);
   ASSERT_FALSE(status) << output();
-  const std::vector<std::string> written = lines(readFile(name));
+  const std::vector<std::string> written = readLines(name);
   ASSERT_EQ(written.size(), 100001u);
   EXPECT_EQ(written[99999], "nodal-point 100000  1.000E+00  2.000E+00  0.000E+00 ;");
   EXPECT_EQ(written[100000].substr(0, 39), "element      1 201100000      2      3 ");
 }
 
-TEST_F(MeshExportTest, ExistingFileIsOverwrittenOnlyWhenAllowed) {
-  const std::string name = (dir_ / "old.fem").string();
-  { std::ofstream(name) << "old contents\n"; }
-  bool status = false;
-
-  // "no" keeps the file and fails.
-  script("no\n");
-  writeFem(name, status);
-  EXPECT_TRUE(status);
-  EXPECT_EQ(readFile(name), "old contents\n");
-  EXPECT_NE(output().find("OK to overwrite the file ** " + name + " ** ? (yes/no)"),
-            std::string::npos);
-
-  // A cancel keeps the file without a failure.
-  script("$\n");
-  writeFem(name, status);
-  EXPECT_FALSE(status);
-  EXPECT_EQ(readFile(name), "old contents\n");
-
-  // An empty answer takes the default, no.
-  script("\n");
-  writeViewer(name, status);
-  EXPECT_TRUE(status);
-  EXPECT_EQ(readFile(name), "old contents\n");
-
-  // "yes" writes it.
+TEST_F(MeshExport, ExistingFileIsOverwrittenOnlyWhenAllowed) {
+  const std::string name = path("old.fem");
+  writeFile(name, "old contents\n");
+  const struct {
+    const char* answer;
+    bool viewer;   // which writer
+    bool failure;  // the status it returns
+  } cases[] = {
+      {"no\n", false, true},  // refused: a failure
+      {"$\n", false, false},  // cancelled: no failure
+      {"\n", true, true},     // the default is no
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.answer);
+    script(c.answer);
+    write(c.viewer, name, c.failure);
+    EXPECT_EQ(readFile(name), "old contents\n");
+    EXPECT_NE(output().find("OK to overwrite the file ** " + name + " ** ? (yes/no)"), npos);
+  }
   script("yes\n");
-  writeFem(name, status);
-  EXPECT_FALSE(status);
+  write(false, name, false);
   EXPECT_EQ(readFile(name), golden("small_mesh.fem"));
 }
 
-TEST_F(MeshExportTest, FailedWriteIsReportedAndLeavesTheOldFile) {
-  const std::string name = (dir_ / "full.fem").string();
-  { std::ofstream(name) << "old contents\n"; }
+TEST_F(MeshExport, FailuresAreReportedAndLeaveTheOldFile) {
+  const std::string name = path("full.fem");
+  writeFile(name, "old contents\n");
   framework::simulateWriteFailureAfter(100);
   script("yes\n\n");
-  bool status = false;
-  writeFem(name, status);
-  EXPECT_TRUE(status);
+  write(false, name, true);
   EXPECT_EQ(readFile(name), "old contents\n");
-  EXPECT_NE(output().find("Attempt to write to file ** " + name + " ** failed"), std::string::npos);
+  EXPECT_NE(output().find("Attempt to write to file ** " + name + " ** failed"), npos);
+
+  framework::simulateWriteFailureAfter(-1);
+  const std::string nowhere = path("no/such/dir.fem");
+  script("\n");
+  write(false, nowhere, true);
+  EXPECT_FALSE(framework::fileExists(nowhere));
+  EXPECT_NE(output().find(nowhere), npos);
 }
 
-TEST_F(MeshExportTest, FileInAMissingDirectoryCannotBeOpened) {
-  const std::string name = (dir_ / "no" / "such" / "dir.fem").string();
-  script("\n");
-  bool status = false;
-  writeFem(name, status);
-  EXPECT_TRUE(status);
-  EXPECT_FALSE(fs::exists(name));
-  EXPECT_NE(output().find(name), std::string::npos);
+TEST_F(MeshExport, MenuIsNotShownWithoutAMesh) {
+  exportMenu("\n", true);
+  const std::string said = output();
+  EXPECT_NE(said.find("Could not establish interior mesh for profile!"), npos);
+  EXPECT_EQ(said.find("EXPORT FORMAT SELECTION"), npos);
+}
+
+TEST_F(MeshExport, MenuWritesTheProfilesMeshInTheChosenFormat) {
+  loadSquare();
+  const std::string fem = path("square.fem");
+  // A blank name is no name: the question comes again.
+  exportMenu("1\n\n\n" + fem + "\n");
+  std::string said = output();
+  EXPECT_NE(said.find("Generating interior mesh..."), npos);
+  EXPECT_NE(said.find("EXPORT FORMAT SELECTION"), npos);
+  EXPECT_NE(said.find("1.  ... Orvik FEM-MESH"), npos);
+  EXPECT_NE(said.find("2.  ... TVEW (Viewer format)"), npos);
+  EXPECT_NE(said.find("3.  ... CANCEL"), npos);
+  EXPECT_EQ(occurrences(said, "Input name (full) for mesh file (max 80 char)"), 2);
+  std::vector<std::string> written = readLines(fem);
+  ASSERT_FALSE(written.empty());
+  // The square's 40 boundary points come first, in the curve's order.
+  EXPECT_EQ(written[0], "nodal-point      1  0.000E+00  0.000E+00  0.000E+00 ;");
+  EXPECT_EQ(written[1], "nodal-point      2  1.000E+00  0.000E+00  0.000E+00 ;");
+  int nodes = 0, elements = 0;
+  for (const std::string& line : written) {
+    nodes += line.rfind("nodal-point ", 0) == 0;
+    elements += line.rfind("element ", 0) == 0;
+  }
+  EXPECT_EQ(nodes + elements, static_cast<int>(written.size()));
+  EXPECT_NEAR(elements, 200, 50);
+
+  const std::string viewer = path("square.tvew");
+  exportMenu("2\n" + viewer + "\n");
+  EXPECT_NE(output().find("Input name (full) for TVEW file (max 80 char)"), npos);
+  written = readLines(viewer);
+  ASSERT_GT(written.size(), 30u);
+  EXPECT_EQ(written[12], " *** Field section ***");
+  // The first triangle's quality, three times, lies between 0 and 1.
+  std::size_t polygons = 0;
+  while (polygons < written.size() && written[polygons] != " *** Polygon section ***") ++polygons;
+  ASSERT_LT(polygons + 8, written.size());
+  EXPECT_EQ(written[polygons + 2], " 1 1 5 3 1");
+  EXPECT_EQ(written[polygons + 5], written[polygons + 6]);
+  EXPECT_EQ(written[polygons + 5], written[polygons + 7]);
+  const double q = std::stod(written[polygons + 5]);
+  EXPECT_GT(q, 0.0);
+  EXPECT_LE(q, 1.0);
+}
+
+TEST_F(MeshExport, MenuCancelledWritesNothing) {
+  loadSquare();
+  for (const std::string keys : {"3\n", "$\n", "1\n$\n"}) {
+    exportMenu(keys);
+    EXPECT_TRUE(listing().empty()) << keys;
+    output();
+  }
 }
 
 }  // namespace
-}  // namespace kntr::testing
+}  // namespace kntr::profile

@@ -4,41 +4,32 @@
 
 #include <cmath>
 #include <memory>
-#include <vector>
 
-#include "profile/curverecord.h"
-#include "spline/knots.h"
-#include "spline/tangents.h"
 #include "support/curve_builder.h"
 #include "support/spline_helpers.h"
 
 namespace kntr::profile {
 namespace {
 
-using testing::addCurve;
-using testing::setBox;
 using testing::shown;
-using PointFairing = testing::ProfileTest;
-
-constexpr double Pi = 3.141592653589793;
 
 // A circle of 12 points with point 4 pushed outward.
-void dentedCircle() {
-  setBox(-8, 8, -8, 8);
-  std::vector<XY> v;
-  for (int i = 0; i < 12; ++i) {
-    const double r = i == 3 ? 6.5 : 5.0;
-    v.push_back(XY{r * std::cos(2 * Pi * i / 12), r * std::sin(2 * Pi * i / 12)});
+class PointFairing : public testing::ProfileTest {
+ protected:
+  void SetUp() override {
+    ProfileTest::SetUp();
+    testing::setBox(-8, 8, -8, 8);
+    std::vector<XY> points = testing::ellipse(12, 5, 5);
+    points[3] = XY{1.3 * points[3].x, 1.3 * points[3].y};
+    testing::addCurve(points, true);
   }
-  addCurve(v, true);
-}
+  std::unique_ptr<FairOutcome> outcome = std::make_unique<FairOutcome>();
+};
 
 TEST_F(PointFairing, FreeFairingPullsADentBackAndLeavesTheProfileAlone) {
-  dentedCircle();
   const ProfileData before = profile();
   FairSettings settings;
   settings.maxIterations = 20;
-  auto outcome = std::make_unique<FairOutcome>();
   bool failed = true;
   fairCurvePoint(1, 4, settings, *outcome, failed);
   ASSERT_FALSE(failed);
@@ -52,19 +43,8 @@ TEST_F(PointFairing, FreeFairingPullsADentBackAndLeavesTheProfileAlone) {
 }
 
 TEST_F(PointFairing, NormalModeMovesAcrossTheSolvedTangent) {
-  dentedCircle();
-  // The leading tangent of point 4 from an independent solve.
-  auto rec = std::make_unique<spline::SplineRecord>();
-  auto solved = std::make_unique<spline::HermiteCurve>();
-  CurveBox box;
-  loadCurveRecord(1, *rec, box);
+  const spline::Triple t = spline::leading(testing::solvedCurve(1)->tangents(4));
   bool failed = true;
-  spline::MKIKV3(ChordLength, *rec, failed);
-  spline::HCTAN3(500, testing::P(0, 0), testing::P(1, 0), spline::SideNone, 0.0, *rec, *solved,
-                 failed);
-  const spline::Triple t = spline::leading(solved->tangents(4));
-
-  auto outcome = std::make_unique<FairOutcome>();
   fairCurvePoint(1, 4, FairSettings{FairMode::LeadingNormal, {}, true, -1.0, 3}, *outcome, failed);
   ASSERT_FALSE(failed);
   EXPECT_NEAR(outcome->direction.x * t(1) + outcome->direction.y * t(2), 0.0, 1e-9);
@@ -88,8 +68,6 @@ TEST_F(PointFairing, SettingsComeFromTheProfileBlock) {
 }
 
 TEST_F(PointFairing, RefusesPolylinesAndZeroDirections) {
-  dentedCircle();
-  auto outcome = std::make_unique<FairOutcome>();
   bool failed = false;
   type("\n");
   fairCurvePoint(1, 4, FairSettings{FairMode::GivenVector, {0, 0}, true, -1.0, 1}, *outcome,
@@ -98,6 +76,7 @@ TEST_F(PointFairing, RefusesPolylinesAndZeroDirections) {
   EXPECT_TRUE(shown(output(), "Direction vector cannot have zero length!"));
   profile().PRFTYP = PolylineProfile;
   type("\n");
+  failed = false;
   fairCurvePoint(1, 4, FairSettings{}, *outcome, failed);
   EXPECT_TRUE(failed);
   EXPECT_TRUE(shown(output(), "Points cannot be faired for a polyline profile!"));

@@ -1,7 +1,6 @@
-# Print a profile on the printers of the sample configuration: the file
-# printer writes the listing into a file named at the prompt, with every
-# formatting token translated; the system printer hands its spool file to
-# "lp" (a stand-in here, first in PATH).
+# Print a profile on the file printer of the sample configuration: the
+# listing goes into a file named at the prompt, with every formatting token
+# translated.
 source "$(dirname "$0")/lib.sh"
 sample="$KNTR_SOURCE_DIR/data/kntr-sample.rc"
 
@@ -27,21 +26,4 @@ check "knuckle row" grep -qxF -- '!    2 !  3.000E+00 !  1.000E+00 !  1.000E+00 
 check "last row" grep -qxF -- '!    5 !  1.000E+00 !  3.000E+00 !          - ! Continous curvature !' profile.lst
 check "one page of at most 72 lines" test "$(wc -l <profile.lst)" -le 72
 check "nothing printed on the screen" bash -c "! grep -q 'Profile offset point definition' out"
-
-# The same on the system printer, with the spool file kept here.
-mkdir -p bin
-cat >bin/lp <<EOF
-#!/bin/sh
-echo "\$@" > "$scratch/lp.args"
-for a; do last="\$a"; done
-cp "\$last" "$scratch/lp.copy"
-EOF
-chmod +x bin/lp
-sed "s#^spool-directory=.*#spool-directory=$scratch#" "$sample" >site.rc
-PATH="$scratch/bin:$PATH" run_kntr $'demo\n'"$box$curve"$'5\n2\n\n9\nyes\n' -configuration site.rc
-check "second run exit status 0" test "$status" -eq 0
-check "printer menu" contains out "PRINTERS"
-check "lp called with the queue and the spool file" grep -qxF -- "-d office $scratch/spool.prnt" lp.args
-check "spooled listing" grep -qxF -- '!    2 !  3.000E+00 !  1.000E+00 !  1.000E+00 ! Knuckle             !' lp.copy
-check "no tokens in the spool file" bash -c "! grep -q '{' lp.copy"
 finish

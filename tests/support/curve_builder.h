@@ -1,12 +1,19 @@
-// Test support: profiles built point by point in the profile block.
+// Test support: profiles built point by point in the profile block, and
+// their splines solved for evaluation in the test.
 #pragma once
 
+#include <cmath>
+#include <memory>
 #include <vector>
 
 #include "framework/onebased.h"
 #include "graphics/plotstate.h"
 #include "profile/block.h"
+#include "profile/curverecord.h"
+#include "spline/knots.h"
+#include "spline/tangents.h"
 #include "support/console_fixture.h"
+#include "support/spline_helpers.h"
 
 namespace kntr::testing {
 
@@ -40,6 +47,17 @@ inline int addCurve(const std::vector<XY>& points, bool closed,
   return c;
 }
 
+// n points evenly round an ellipse with half axes a and b about the origin,
+// the first on the positive X axis.
+inline std::vector<XY> ellipse(int n, double a, double b) {
+  std::vector<XY> v;
+  for (int i = 0; i < n; ++i) {
+    const double t = 2 * 3.141592653589793 * i / n;
+    v.push_back(XY{a * std::cos(t), b * std::sin(t)});
+  }
+  return v;
+}
+
 // Set the bounding box and the accuracy that follows from it.
 inline void setBox(double xmin, double xmax, double ymin, double ymax) {
   profile::ProfileData& p = profile::profile();
@@ -49,6 +67,21 @@ inline void setBox(double xmin, double xmax, double ymin, double ymax) {
   p.PRBBOX(4) = ymax;
   p.BBOXOK = true;
   profile::IZACCY();
+}
+
+// The spline of curve c solved by the engine, to be evaluated in the test
+// (segmentPoint).
+inline std::unique_ptr<spline::HermiteCurve> solvedCurve(int c) {
+  auto rec = std::make_unique<spline::SplineRecord>();
+  auto solved = std::make_unique<spline::HermiteCurve>();
+  profile::CurveBox box;
+  profile::loadCurveRecord(c, *rec, box);
+  bool failed = true;
+  spline::MKIKV3(profile::profile().PRPARM(c), *rec, failed);
+  EXPECT_FALSE(failed);
+  spline::HCTAN3(500, P(0, 0), P(1, 0), spline::SideNone, 0.0, *rec, *solved, failed);
+  EXPECT_FALSE(failed);
+  return solved;
 }
 
 }  // namespace kntr::testing
