@@ -1,3 +1,4 @@
+// Choosing or creating the project, and the identification questions.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,9 +8,12 @@
 #include "framework/state.h"
 #include "support/dialogue_fixture.h"
 #include "support/scratch_directory.h"
+#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
+
+using kntr::testing::Contains;
 
 class ProjectDialogue : public kntr::testing::DialogueTest, public kntr::testing::ScratchDirectory {
  protected:
@@ -29,6 +33,16 @@ class ProjectDialogue : public kntr::testing::DialogueTest, public kntr::testing
     EXPECT_EQ(status, expectFailure);
     EXPECT_FALSE(inputLeft()) << "keys left over";
   }
+  // Writes the project file of "hull" with the user "bo".
+  void writeHull() {
+    program().projectName = path("hull");
+    program().projectDirectory = directory().string();
+    program().user = "bo";
+    program().backupInterval = 40;
+    bool status = true;
+    STPJCT(status);
+    ASSERT_FALSE(status);
+  }
 };
 
 TEST_F(ProjectDialogue, NewProjectAsksForIdentificationAndWritesTheFile) {
@@ -43,14 +57,13 @@ TEST_F(ProjectDialogue, NewProjectAsksForIdentificationAndWritesTheFile) {
   EXPECT_EQ(program().user, "guest");
   const std::vector<std::string> lines = readLines(file);
   ASSERT_EQ(lines.size(), 20u);
-  EXPECT_EQ(lines[13], "project-identification=");
-  EXPECT_EQ(lines[14], "company-identification=Yard");
-  EXPECT_EQ(lines[15], "user-identification=guest");
+  EXPECT_EQ(std::vector<std::string>(lines.begin() + 13, lines.begin() + 16),
+            (std::vector<std::string>{"project-identification=", "company-identification=Yard",
+                                      "user-identification=guest"}));
   const std::string said = output();
-  EXPECT_NE(said.find("OK to create new project ** " + path("ship") + " ** ? (yes/no)"),
-            std::string::npos);
-  EXPECT_NE(said.find("Input company identification? (max 64 characters)"), std::string::npos);
-  EXPECT_NE(said.find("Input user identification? (max 64 characters)"), std::string::npos);
+  EXPECT_TRUE(Contains(said, "OK to create new project ** " + path("ship") + " ** ? (yes/no)"));
+  EXPECT_TRUE(Contains(said, "Input company identification? (max 64 characters)"));
+  EXPECT_TRUE(Contains(said, "Input user identification? (max 64 characters)"));
 }
 
 TEST_F(ProjectDialogue, NoOrReturnGoesBackToTheNameAndAbortGivesUp) {
@@ -60,16 +73,18 @@ TEST_F(ProjectDialogue, NoOrReturnGoesBackToTheNameAndAbortGivesUp) {
   EXPECT_EQ(program().projectName, "old");
   EXPECT_EQ(program().projectBaseName, "old");
   EXPECT_TRUE(listing().empty());
+
+  // The special command runs the same selection.
+  IZPROJ();
+  ASSERT_EQ(services().selectProject, &SLPROJ);
+  script("$\n");
+  bool status = false;
+  services().selectProject(status);
+  EXPECT_TRUE(status);
 }
 
-TEST_F(ProjectDialogue, ExistingProjectIsLoaded) {
-  program().projectName = path("hull");
-  program().projectDirectory = directory().string();
-  program().user = "bo";
-  program().backupInterval = 40;
-  bool status = true;
-  STPJCT(status);
-  ASSERT_FALSE(status);
+TEST_F(ProjectDialogue, ExistingProjectIsLoadedAndIsTheNextDefault) {
+  writeHull();
   resetProgramState();
   program().executionMode = ModeAlone;
   // A name without the extension names the same project.
@@ -78,17 +93,11 @@ TEST_F(ProjectDialogue, ExistingProjectIsLoaded) {
   EXPECT_EQ(program().user, "bo");
   EXPECT_EQ(program().backupInterval, 40);
   EXPECT_EQ(output().find("OK to create"), std::string::npos);
-}
 
-TEST_F(ProjectDialogue, DefaultIsTheCurrentProjectFile) {
-  program().projectName = path("hull");
-  program().projectDirectory = directory().string();
-  bool status = true;
-  STPJCT(status);
   program().user = "changed";
   select("\n");
-  EXPECT_NE(output().find("(default " + path("hull.PJC") + ")"), std::string::npos);
-  EXPECT_EQ(program().user, "");
+  EXPECT_TRUE(Contains(output(), "(default " + path("hull.PJC") + ")"));
+  EXPECT_EQ(program().user, "bo");
 }
 
 TEST_F(ProjectDialogue, IdentificationCannotBeAborted) {
@@ -98,18 +107,9 @@ TEST_F(ProjectDialogue, IdentificationCannotBeAborted) {
   ASKIDN(status);
   EXPECT_FALSE(status);
   EXPECT_FALSE(inputLeft());
-  EXPECT_NE(output().find("No abort possibility"), std::string::npos);
+  EXPECT_TRUE(Contains(output(), "No abort possibility"));
   EXPECT_EQ(program().company, "Yard");
   EXPECT_EQ(program().user, "anna");
-}
-
-TEST_F(ProjectDialogue, SpecialCommandRunsTheSelection) {
-  IZPROJ();
-  ASSERT_EQ(services().selectProject, &SLPROJ);
-  script("$\n");
-  bool status = false;
-  services().selectProject(status);
-  EXPECT_TRUE(status);
 }
 
 }  // namespace

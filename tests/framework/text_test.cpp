@@ -4,35 +4,36 @@
 
 #include "framework/state.h"
 #include "support/console_fixture.h"
+#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
 
+using kntr::testing::Contains;
 using TextTokens = kntr::testing::ConsoleTest;
 
-TEST_F(TextTokens, BracesAndLineTokens) {
-  OUTSCN("a{{b");
-  EXPECT_EQ(output(), "a{b\n");
-  OUTSCN("{{nwl");
-  EXPECT_EQ(output(), "{nwl\n");
-  OUTSCN("one{NWL}two{nwl}three");
-  EXPECT_EQ(output(), "one\n}two\n}three\n");
-  OUTSCN("");
-  EXPECT_EQ(output(), "\n");
-}
-
-TEST_F(TextTokens, BoxTokensAndMarks) {
-  OUTSCN("{ulc{hln{hln{urc{nwl{vln  {vln{nwl{llc{tdn{crs{tup{lrc");
-  EXPECT_EQ(output(), "+--+\n!  !\n+++++\n");
-  OUTSCN("Setup{NWM");
-  EXPECT_EQ(output(), "Setup->\n");
-  OUTSCN("a{udl}b{bel}c");
-  EXPECT_EQ(output(), "a}b}c\n");
+TEST_F(TextTokens, TokensTranslateOnTheScreen) {
+  const struct {
+    const char* text;
+    const char* shown;
+  } cases[] = {
+      {"a{{b", "a{b\n"},
+      {"{{nwl", "{nwl\n"},
+      {"one{NWL}two{nwl}three", "one\n}two\n}three\n"},
+      {"", "\n"},
+      {"{ulc{hln{hln{urc{nwl{vln  {vln{nwl{llc{tdn{crs{tup{lrc", "+--+\n!  !\n+++++\n"},
+      {"Setup{NWM", "Setup->\n"},
+      {"a{udl}b{bel}c", "a}b}c\n"},
+  };
+  for (const auto& c : cases) {
+    OUTSCN(c.text);
+    EXPECT_EQ(output(), c.shown) << c.text;
+  }
 }
 
 TEST_F(TextTokens, ColoursSwitchTheForeground) {
   OUTSCN("{NAY}x");
-  EXPECT_EQ(platform::testconsole::lastForeground(), 6);
+  EXPECT_EQ(platform::testconsole::lastForeground(), 6);  // magenta
   OUTSCN("{red}x{cya}");
   EXPECT_EQ(platform::testconsole::lastForeground(), 4);
   PUTSCN("plain");
@@ -42,9 +43,9 @@ TEST_F(TextTokens, ColoursSwitchTheForeground) {
 TEST_F(TextTokens, IllegalTokenAtTheEndKeepsTheTextBeforeIt) {
   OUTSCN("abc{ab");
   const std::string shown = output();
-  EXPECT_NE(shown.find("illegal token in position"), std::string::npos);
-  EXPECT_NE(shown.find("           4"), std::string::npos);
-  EXPECT_NE(shown.find("abc\n"), std::string::npos);
+  EXPECT_TRUE(Contains(shown, "illegal token in position"));
+  EXPECT_TRUE(Contains(shown, "           4"));
+  EXPECT_TRUE(Contains(shown, "abc\n"));
 }
 
 TEST_F(TextTokens, PutscnLimitIs4092Characters) {
@@ -53,8 +54,9 @@ TEST_F(TextTokens, PutscnLimitIs4092Characters) {
   type("\n");
   PUTSCN(std::string(4093, 'x'));
   const std::string shown = output();
-  EXPECT_NE(shown.find("csbMaximum number of characters exceeded in subroutine PUTSCN\n(maximum is 4092)"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(shown,
+                       "csbMaximum number of characters exceeded in subroutine PUTSCN\n"
+                       "(maximum is 4092)"));
   EXPECT_EQ(shown.find(std::string(4093, 'x')), std::string::npos);
 }
 
@@ -63,16 +65,13 @@ TEST_F(TextTokens, ErrorsWaitForReturnAndMouseButtonOneKeepsWaiting) {
   type("\x1b[<1;5;5M");  // middle click ends the pause
   ERRSCN("Something failed");
   EXPECT_TRUE(platform::testconsole::inputExhausted());
-  EXPECT_NE(output().find("Something failed\n\n\nTo continue press RETURN"), std::string::npos);
-}
-
-TEST_F(TextTokens, BatchModeDoesNotWait) {
-  program().executionMode = ModeBatch;
+  EXPECT_TRUE(Contains(output(), "Something failed\n\n\nTo continue press RETURN"));
+  program().executionMode = ModeBatch;  // a batch run does not wait
   PRMESG("note");
   EXPECT_EQ(output(), "note\n\n\n\n\n");
 }
 
-TEST(IoErrorReasons, TableAndUnknownCodes) {
+TEST_F(TextTokens, IoErrorsNameTheOperationTheFileAndTheReason) {
   EXPECT_EQ(ioStatusReason(908), "{nwl{gre(Could not open file specified)");
   EXPECT_EQ(ioStatusReason(942),
             "{nwl{gre(Error in list-directed read - character data read for assignment to "
@@ -84,19 +83,15 @@ TEST(IoErrorReasons, TableAndUnknownCodes) {
   for (int code : {906, 911, 919, 928, 932, 934, 935, 936, 938, 941, 943, 946, 949})
     EXPECT_EQ(ioStatusReason(code),
               "{nwl{gre(Unknown error message (I/O status is " + std::to_string(code) + "))");
-}
-
-TEST_F(TextTokens, IoErrorNamesTheOperationAndTheFile) {
-  type("\n");
+  type("\n\n");
   IOERRM('R', "", 906);
-  EXPECT_NE(output().find("Attempt to read from file ** UNKNOWN ** failed\n(Unknown error message "
-                          "(I/O status is 906))"),
-            std::string::npos);
-  type("\n");
+  EXPECT_TRUE(Contains(output(),
+                       "Attempt to read from file ** UNKNOWN ** failed\n"
+                       "(Unknown error message (I/O status is 906))"));
   IOINTL('W', 981);
-  EXPECT_NE(output().find("Attempt to write to file ** INTERNAL ** failed\n(Value out of range in "
-                          "numeric read)"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(output(),
+                       "Attempt to write to file ** INTERNAL ** failed\n"
+                       "(Value out of range in numeric read)"));
 }
 
 }  // namespace
