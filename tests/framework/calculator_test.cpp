@@ -7,8 +7,8 @@
 #include <numbers>
 #include <string>
 
+#include "support/checks.h"
 #include "support/dialogue_fixture.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
@@ -212,9 +212,8 @@ TEST_F(Calculator, DialogueShowsValuesUntilAnEmptyAnswerOrAnAbort) {
   CALCUL();
   EXPECT_FALSE(inputLeft());
   const std::string shown = output();
-  EXPECT_TRUE(Contains(shown, "Input expression to be evaluated?\n(default done)\n"));
-  EXPECT_TRUE(Contains(shown, " 1.400000E+01\n"));
-  EXPECT_TRUE(Contains(shown, "ERROR: Divisor must not be 0"));
+  EXPECT_TRUE(Contains(shown, {"Input expression to be evaluated?\n(default done)\n",
+                               " 1.400000E+01\n", "ERROR: Divisor must not be 0"}));
   EXPECT_EQ(occurrences(shown, "Input expression to be evaluated?"), 3);
   script("$\n");
   CALCUL();

@@ -9,8 +9,8 @@
 
 #include "framework/projects.h"
 #include "framework/system.h"
+#include "support/checks.h"
 #include "support/dialogue_fixture.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
@@ -190,44 +190,6 @@ TEST_F(InputLine, YesNoWords) {
 
 using SpecialCommands = InputLine;
 
-TEST_F(SpecialCommands, AreNoAnswerAndTheWordIsUpperCased) {
-  EXPECT_FALSE(ask("#date\n\n"));
-  EXPECT_TRUE(answer.special);
-  EXPECT_FALSE(answer.deflt);
-  std::string today;
-  GTDATE(today);
-  EXPECT_TRUE(Contains(output(), "Date: " + today + "\n"));
-  EXPECT_FALSE(inputLeft());
-
-  script("#Time\n\n");
-  bool status = true;
-  RDLINE(1, answer, status);
-  EXPECT_TRUE(answer.special);
-  const std::string shown = output();
-  const std::size_t at = shown.find("Time: ");
-  ASSERT_NE(at, std::string::npos);
-  EXPECT_EQ(shown[at + 8], ':');
-  EXPECT_EQ(shown[at + 11], ':');
-
-  ask("#\n\n");
-  EXPECT_TRUE(answer.special);
-  EXPECT_TRUE(Contains(output(),
-                       "Unknown special command: \n\nUse #? to see information about "
-                       "special commands\n"));
-  ask("#fly\n\n");
-  EXPECT_TRUE(Contains(output(), "Unknown special command: FLY\n"));
-
-  ask("#?\n\n");
-  EXPECT_TRUE(Contains(output(),
-                       "Available functions\n\nDATE\nTIME\nCALCULATOR\nKILL\nSYSTEM\n"
-                       "CONFIG\nLOAD\nSAVE\nRESET\nPROJECT\n"));
-  program().specialDisabled = true;
-  ask("#?\n\n");
-  EXPECT_TRUE(Contains(output(),
-                       "CONFIG\n(*) LOAD\n(*) SAVE\n(*) RESET\n (*) PROJECT\n"
-                       "(*) =  Disabled at the moment\n"));
-}
-
 int loads = 0;
 int projects = 0;
 void countLoad(bool& status) {
@@ -239,29 +201,59 @@ void countProject(bool& status) {
   ++projects;
 }
 
-TEST_F(SpecialCommands, DataCommandsReachTheModuleUnlessDisabledOrMissing) {
+TEST_F(SpecialCommands, AreNoAnswerAndTheWordIsUpperCased) {
   loads = projects = 0;
   callbacks().load = &countLoad;
   services().selectProject = &countProject;
-  ask("#load\n");
-  ask("#project\n");
-  EXPECT_EQ(loads, 1);
-  EXPECT_EQ(projects, 1);
-  EXPECT_EQ(output(), "");
-
-  program().specialDisabled = true;
-  ask("#LOAD\n\n");
-  EXPECT_TRUE(Contains(output(), "LOAD is disabled at the moment"));
-  ask("#PROJECT\n\n");
-  EXPECT_TRUE(Contains(output(), "PROJECT is disabled at the moment"));
-  EXPECT_EQ(loads, 1);
-  EXPECT_EQ(projects, 1);
-
-  program().specialDisabled = false;
-  for (const std::string word : {"SAVE", "CONFIG", "RESET"}) {
-    ask("#" + word + "\n\n");
-    EXPECT_TRUE(Contains(output(), word + " is not available at the moment"));
+  std::string today;
+  GTDATE(today);
+  const struct {
+    const char* keys;
+    bool disabled;  // the data-changing commands are disabled
+    std::string shown;
+  } cases[] = {
+      {"#date", false, "Date: " + today + "\n"},
+      {"#", false,
+       "Unknown special command: \n\nUse #? to see information about special commands\n"},
+      {"#fly", false, "Unknown special command: FLY\n"},
+      {"#?", false,
+       "Available functions\n\nDATE\nTIME\nCALCULATOR\nKILL\nSYSTEM\nCONFIG\nLOAD\nSAVE\nRESET\n"
+       "PROJECT\n"},
+      {"#?", true,
+       "CONFIG\n(*) LOAD\n(*) SAVE\n(*) RESET\n (*) PROJECT\n(*) =  Disabled at the moment\n"},
+      {"#LOAD", true, "LOAD is disabled at the moment"},
+      {"#PROJECT", true, "PROJECT is disabled at the moment"},
+      {"#save", false, "SAVE is not available at the moment"},
+      {"#config", false, "CONFIG is not available at the moment"},
+      {"#reset", false, "RESET is not available at the moment"},
+      {"#load", false, ""},
+      {"#project", false, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.keys);
+    program().specialDisabled = c.disabled;
+    EXPECT_FALSE(ask(std::string(c.keys) + "\n" + (c.shown.empty() ? "" : "\n")));
+    EXPECT_TRUE(answer.special);
+    EXPECT_FALSE(answer.deflt);
+    EXPECT_FALSE(inputLeft());
+    if (c.shown.empty()) {
+      EXPECT_EQ(output(), "");
+    } else {
+      EXPECT_TRUE(Contains(output(), c.shown));
+    }
   }
+  EXPECT_EQ(loads, 1);  // only the enabled ones reached the module
+  EXPECT_EQ(projects, 1);
+
+  script("#Time\n\n");
+  bool status = true;
+  RDLINE(1, answer, status);
+  EXPECT_TRUE(answer.special);
+  const std::string shown = output();
+  const std::size_t at = shown.find("Time: ");
+  ASSERT_NE(at, std::string::npos);
+  EXPECT_EQ(shown[at + 8], ':');
+  EXPECT_EQ(shown[at + 11], ':');
 }
 
 int endCode = 0;

@@ -9,8 +9,8 @@
 
 #include "framework/startup.h"
 #include "framework/state.h"
+#include "support/checks.h"
 #include "support/scratch_directory.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
@@ -34,13 +34,9 @@ class LogFile : public kntr::testing::ScratchTest {
   }
   // Opens and closes the log as a session does.
   void session() {
-    bool status = true;
-    OPLGFL(status);
-    EXPECT_FALSE(status);
+    EXPECT_STATUS(false, OPLGFL(status));
     const bool open = program().logOpen;
-    status = true;
-    CLLGFL(status);
-    EXPECT_FALSE(status);
+    EXPECT_STATUS(false, CLLGFL(status));
     EXPECT_FALSE(program().logOpen);
     EXPECT_EQ(open, std::filesystem::exists(path("T-cnfg")));
   }
@@ -80,20 +76,16 @@ TEST_F(LogFile, NoDirectoryMeansNoLogAndNoErrorAndNoHomeWaitsForALine) {
 
 TEST_F(LogFile, IdentityMustBeSetBeforeStartUp) {
   program().SPNAME = "   ";
-  bool status = false;
-  IZPGRM(status);
-  EXPECT_TRUE(status);
+  EXPECT_STATUS(true, IZPGRM(status));
   EXPECT_TRUE(Contains(output(),
                        " (IZPGRM) Variable SPNAME must be initialized prior to calling "
                        "subroutine PGINIT"));
   program().SPNAME = "KNTR";
   program().SPVERS = "";
-  IZPGRM(status);
-  EXPECT_TRUE(status);
+  EXPECT_STATUS(true, IZPGRM(status));
   EXPECT_TRUE(Contains(output(), "Variable SPVERS must be initialized"));
   program().SPVERS = "1998-0223";
-  IZPGRM(status);
-  EXPECT_FALSE(status);
+  EXPECT_STATUS(false, IZPGRM(status));
   EXPECT_EQ(program().packageName, "Tarvik");
   EXPECT_EQ(program().packageVersion, "2016A");
   EXPECT_EQ(program().executionMode, ModeAlone);

@@ -7,8 +7,8 @@
 
 #include "framework/state.h"
 #include "framework/text.h"
+#include "support/checks.h"
 #include "support/console_fixture.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {

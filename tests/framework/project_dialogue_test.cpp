@@ -6,9 +6,9 @@
 
 #include "framework/projects.h"
 #include "framework/state.h"
+#include "support/checks.h"
 #include "support/dialogue_fixture.h"
 #include "support/scratch_directory.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
@@ -61,9 +61,9 @@ TEST_F(ProjectDialogue, NewProjectAsksForIdentificationAndWritesTheFile) {
             (std::vector<std::string>{"project-identification=", "company-identification=Yard",
                                       "user-identification=guest"}));
   const std::string said = output();
-  EXPECT_TRUE(Contains(said, "OK to create new project ** " + path("ship") + " ** ? (yes/no)"));
-  EXPECT_TRUE(Contains(said, "Input company identification? (max 64 characters)"));
-  EXPECT_TRUE(Contains(said, "Input user identification? (max 64 characters)"));
+  EXPECT_TRUE(Contains(said, {"OK to create new project ** " + path("ship") + " ** ? (yes/no)",
+                              "Input company identification? (max 64 characters)",
+                              "Input user identification? (max 64 characters)"}));
 }
 
 TEST_F(ProjectDialogue, NoOrReturnGoesBackToTheNameAndAbortGivesUp) {
@@ -78,9 +78,7 @@ TEST_F(ProjectDialogue, NoOrReturnGoesBackToTheNameAndAbortGivesUp) {
   IZPROJ();
   ASSERT_EQ(services().selectProject, &SLPROJ);
   script("$\n");
-  bool status = false;
-  services().selectProject(status);
-  EXPECT_TRUE(status);
+  EXPECT_STATUS(true, services().selectProject(status));
 }
 
 TEST_F(ProjectDialogue, ExistingProjectIsLoadedAndIsTheNextDefault) {
@@ -103,9 +101,7 @@ TEST_F(ProjectDialogue, ExistingProjectIsLoadedAndIsTheNextDefault) {
 TEST_F(ProjectDialogue, IdentificationCannotBeAborted) {
   program().company = "Yard";
   script("$\n\n\nanna\n");
-  bool status = true;
-  ASKIDN(status);
-  EXPECT_FALSE(status);
+  EXPECT_STATUS(false, ASKIDN(status));
   EXPECT_FALSE(inputLeft());
   EXPECT_TRUE(Contains(output(), "No abort possibility"));
   EXPECT_EQ(program().company, "Yard");

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "support/checks.h"
 #include "support/dialogue_fixture.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {

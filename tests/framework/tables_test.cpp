@@ -10,8 +10,8 @@
 #include "framework/format.h"
 #include "framework/printers.h"
 #include "framework/state.h"
+#include "support/checks.h"
 #include "support/printer_fixture.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
@@ -53,9 +53,7 @@ class Table : public kntr::testing::PrinterTest {
   // IZTABL refuses a table of three rows with `message`.
   void refused(const std::string& message) {
     type("\n");
-    bool status = false;
-    IZTABL(Head, Foot, 3, status);
-    EXPECT_TRUE(status);
+    EXPECT_STATUS(true, IZTABL(Head, Foot, 3, status));
     EXPECT_TRUE(Contains(output(), message));
   }
 };

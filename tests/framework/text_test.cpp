@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "framework/state.h"
+#include "support/checks.h"
 #include "support/console_fixture.h"
-#include "support/text_checks.h"
 
 namespace kntr::framework {
 namespace {
@@ -43,9 +43,7 @@ TEST_F(TextTokens, ColoursSwitchTheForeground) {
 TEST_F(TextTokens, IllegalTokenAtTheEndKeepsTheTextBeforeIt) {
   OUTSCN("abc{ab");
   const std::string shown = output();
-  EXPECT_TRUE(Contains(shown, "illegal token in position"));
-  EXPECT_TRUE(Contains(shown, "           4"));
-  EXPECT_TRUE(Contains(shown, "abc\n"));
+  EXPECT_TRUE(Contains(shown, {"illegal token in position", "           4", "abc\n"}));
 }
 
 TEST_F(TextTokens, PutscnLimitIs4092Characters) {

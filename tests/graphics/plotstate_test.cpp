@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "support/checks.h"
 #include "support/console_fixture.h"
 
 namespace kntr::graphics {
@@ -79,21 +80,6 @@ TEST_F(PlotScaling, RefusedCallsLeaveTheStateAlone) {
         "PLOT ERROR FROM SUBROUTINE ** G2SCLT **\n(ymax must be greater than ymin)",
         "(mtop+mbot must be <= 1)", "(mrigth must be in [0,1])"})
     EXPECT_NE(shown.find(message), std::string::npos) << message;
-}
-
-TEST_F(PlotScaling, AttributesByName) {
-  bool status = true;
-  GSETIN("lincol", 5, status);
-  EXPECT_FALSE(status);
-  int value = 0;
-  GINQIN("lincol", value, status);
-  EXPECT_EQ(value, 5);
-  GCLIPM("margin");
-  GINQIN("iclipx", value, status);
-  EXPECT_EQ(value, ClipMargin);
-  type("\n");
-  GINQIN("nosuch", value, status);
-  EXPECT_TRUE(status);
 }
 
 }  // namespace

@@ -20,11 +20,6 @@ class MemoryConsole : public ::testing::Test {
     return std::to_string(button) + " " + std::to_string(column) + " " + std::to_string(row) + " " +
            std::to_string(length) + " [" + line.substr(0, static_cast<std::size_t>(length)) + "]";
   }
-  static std::vector<int> where() {
-    int column = -1, row = -1;
-    WinConF::getPosition(column, row);
-    return {column, row};
-  }
 };
 
 TEST_F(MemoryConsole, LinesEditAndMouseReportsEndThemWithButtonAndCell) {
@@ -45,29 +40,10 @@ TEST_F(MemoryConsole, LinesEditAndMouseReportsEndThemWithButtonAndCell) {
   EXPECT_TRUE(testconsole::inputExhausted());
 }
 
-TEST_F(MemoryConsole, SizeCursorAndColours) {
-  int columns = 0, lines = 0;
-  WinConF::setSize(200, 20);  // beyond the largest: ignored
-  WinConF::getSize(columns, lines);
-  EXPECT_EQ(std::vector<int>({columns, lines}), std::vector<int>({40, 10}));
-  WinConF::setSize(80, 24);
-  WinConF::getSize(columns, lines);
-  EXPECT_EQ(std::vector<int>({columns, lines}), std::vector<int>({80, 24}));
-
-  WinConF::setSize(40, 10);
-  WinConF::setPosition(-5, 99);  // clipped
-  EXPECT_EQ(where(), std::vector<int>({0, 9}));
-  WinConF::setPosition(3, 2);
-  WinConF::putString("xy");
-  WinConF::clearScreen();  // keeps the cursor
-  EXPECT_EQ(where(), std::vector<int>({5, 2}));
-  for (const auto& r : testconsole::screen()) EXPECT_EQ(r, "");
-  WinConF::setLowerLeft();
-  EXPECT_EQ(where()[1], 9);
-
+TEST_F(MemoryConsole, ColourZeroKeepsTheColourAndUnknownOnesAreWhite) {
   int foreground = 0, background = 0;
   WinConF::setColor(5, 0);
-  WinConF::setColor(0, 3);  // colour zero keeps the foreground
+  WinConF::setColor(0, 3);
   WinConF::getColor(foreground, background);
   EXPECT_EQ(std::vector<int>({foreground, background}), std::vector<int>({5, 3}));
   WinConF::setColor(9, 0);  // not in the table: white
