@@ -36,35 +36,23 @@ class Calculator : public kntr::testing::DialogueTest {
 };
 
 TEST_F(Calculator, IntegerAnswers) {
+  // The sign belongs to the whole term: -(2**2). div and mod yield their left
+  // operand. Power groups to the right; an integer power of an integer is
+  // truncated. DV is the integer default (11) as a real. Integer arithmetic
+  // wraps, and a real beyond the integer range saturates.
   const struct {
     const char* text;
     int value;
   } cases[] = {
-      {"2*(3+4)", 14},
-      {"-2**2", -4},  // the sign belongs to the whole term: -(2**2)
-      {"-2*3+10", 4},
-      {"10div3", 10},  // div and mod yield their left operand
-      {"10 div 3", 10},
-      {"7mod2", 7},
-      {"int3.7", 3},
-      {"round3.7", 4},
-      {"round2.5", 3},
-      {"round(-2.5)", -3},
-      {"int(-3.7)", -3},
-      {"2**3", 8},
-      {"2**3**2", 512},  // power groups to the right
-      {"2**(-1)", 0},    // integer power: 1/2 truncated
-      {"(-1)**(-3)", -1},
-      {"1**(-5)", 1},
-      {"3**0", 1},
-      {"007", 7},
-      {"int(DV*2.0)", 22},  // DV is the integer default as a real
-      {"round sqrt(16)", 4},
-      {"2147483647+1", INT_MIN},  // integer arithmetic wraps
-      {"65536*65536", 0},
-      {"2**31", INT_MIN},
-      {"-2147483648", INT_MIN},
-      {"int1e20", INT_MAX},  // a real beyond the integer range saturates
+      {"2*(3+4)", 14},      {"-2**2", -4},         {"-2*3+10", 4},
+      {"10div3", 10},       {"10 div 3", 10},      {"7mod2", 7},
+      {"int3.7", 3},        {"round3.7", 4},       {"round2.5", 3},
+      {"round(-2.5)", -3},  {"int(-3.7)", -3},     {"2**3", 8},
+      {"2**3**2", 512},     {"2**(-1)", 0},        {"(-1)**(-3)", -1},
+      {"1**(-5)", 1},       {"3**0", 1},           {"007", 7},
+      {"int(DV*2.0)", 22},  {"round sqrt(16)", 4}, {"2147483647+1", INT_MIN},
+      {"65536*65536", 0},   {"2**31", INT_MIN},    {"-2147483648", INT_MIN},
+      {"int1e20", INT_MAX},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -78,26 +66,31 @@ TEST_F(Calculator, IntegerAnswers) {
 }
 
 TEST_F(Calculator, RealAnswers) {
+  // The default DV is 2.5. Decimals come out as the nearest double (as the C
+  // library reads them), the fraction keeping its leading zeros. Division is
+  // real, also between integers; a real base takes a negative integer
+  // exponent; an integer result converts; an illegal character ends the scan.
+  const double exact = 0;
   const struct {
     std::string text;
     double value;
-    double tolerance;  // 0: the nearest double, as the C library reads it
+    double tolerance;
   } cases[] = {
       {"sqrt(2)/2", std::sqrt(2.0) / 2.0, 1e-15},
-      {"DV+1", 3.5, 0},  // the default is 2.5
-      {"DV*2", 5.0, 0},
-      {"1.05", std::stod("1.05"), 0},  // the fraction keeps its leading zero
-      {"3.007", 3.007, 0},
-      {"0.1", std::stod("0.1"), 0},
-      {".5", 0.5, 0},
-      {"123.456", std::stod("123.456"), 0},
-      {"1.5e-3", std::stod("1.5e-3"), 0},
-      {"1.5E+3", 1500.0, 0},
-      {"2e3", 2000.0, 0},
-      {"2.5e2", 250.0, 0},
-      {"7/2", 3.5, 0},  // division is real, also between integers
+      {"DV+1", 3.5, exact},
+      {"DV*2", 5.0, exact},
+      {"1.05", std::stod("1.05"), exact},
+      {"3.007", 3.007, exact},
+      {"0.1", std::stod("0.1"), exact},
+      {".5", 0.5, exact},
+      {"123.456", std::stod("123.456"), exact},
+      {"1.5e-3", std::stod("1.5e-3"), exact},
+      {"1.5E+3", 1500.0, exact},
+      {"2e3", 2000.0, exact},
+      {"2.5e2", 250.0, exact},
+      {"7/2", 3.5, exact},
       {"2**0.5", std::sqrt(2.0), 1e-14},
-      {"2.0**(-1)", 0.5, 0},  // a real base takes a negative integer exponent
+      {"2.0**(-1)", 0.5, exact},
       {"dsin(90)", 1.0, 1e-14},
       {"dcos(60)", 0.5, 1e-14},
       {"dtan(45)", 1.0, 1e-14},
@@ -105,16 +98,16 @@ TEST_F(Calculator, RealAnswers) {
       {"cos(PI)", -1.0, 1e-14},
       {"tan(pi/4)", 1.0, 1e-14},
       {"PI", std::numbers::pi, 1e-14},
-      {"1+2", 3.0, 0},  // an integer result converts
-      {"((((1))))", 1.0, 0},
-      {"5^2", 5.0, 0},  // an illegal character ends the scan
-      {"1 + 2", 3.0, 0},
-      {std::string(60, '(') + "1" + std::string(60, ')'), 1.0, 0},
+      {"1+2", 3.0, exact},
+      {"((((1))))", 1.0, exact},
+      {"5^2", 5.0, exact},
+      {"1 + 2", 3.0, exact},
+      {std::string(60, '(') + "1" + std::string(60, ')'), 1.0, exact},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     EXPECT_FALSE(eval(c.text, ValueReal));
-    if (c.tolerance == 0)
+    if (c.tolerance == exact)
       EXPECT_EQ(real, c.value);
     else
       EXPECT_NEAR(real, c.value, c.tolerance);
@@ -122,6 +115,7 @@ TEST_F(Calculator, RealAnswers) {
 }
 
 TEST_F(Calculator, LogicalAnswers) {
+  // Relations other than = and <> between logicals leave the left operand.
   const struct {
     const char* text;
     bool value;
@@ -130,8 +124,7 @@ TEST_F(Calculator, LogicalAnswers) {
       {"2<=2", true},          {"1<>1", false},       {"true and false", false},
       {"true or false", true}, {"not(1>2)", true},    {"not true", false},
       {"1<2 and 2<3", true},   {"true=false", false}, {"true<>false", true},
-      {"true>false", true},  // other relations leave the left operand
-      {"false<true", false},   {"TRUE", true},
+      {"true>false", true},    {"false<true", false}, {"TRUE", true},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -142,30 +135,39 @@ TEST_F(Calculator, LogicalAnswers) {
 }
 
 TEST_F(Calculator, ErrorsAndTheirMessages) {
+  // A quotient, a real power, DV and a relation are no integers; syntax
+  // errors and too deep a nesting say nothing; each error says one message
+  // and leads to no follow-on errors.
+  const std::string deep = std::string(400, '(') + "1" + std::string(400, ')');
+  const std::string operand = "left operand must bee INTEGER or REAL";
+  const std::string power = "real pot in expop must >= 0";
+  const std::string zero = "ERROR: Divisor must not be 0";
+  const std::string finite = "ERROR: Result is not a finite number";
   const struct {
     std::string text;
     int wanted;
     std::string message;  // "" for a refusal without a word
     int count;            // times the message is shown
   } cases[] = {
-      {"7/2", ValueInteger, "", 0},  // the quotient is real
+      {"7/2", ValueInteger, "", 0},
       {"2**0.5", ValueInteger, "", 0},
-      {"DV+1", ValueInteger, "", 0},  // DV is real
+      {"DV+1", ValueInteger, "", 0},
       {"1=1", ValueInteger, "", 0},
       {"1", ValueLogical, "", 0},
-      {"2+", ValueReal, "", 0},  // syntax errors say nothing
+      {"2+", ValueReal, "", 0},
       {"(1", ValueReal, "", 0},
       {"5.", ValueReal, "", 0},
       {"1e", ValueReal, "", 0},
       {"", ValueReal, "", 0},
       {"2*-3", ValueInteger, "", 0},
-      {"1/0", ValueReal, "ERROR: Divisor must not be 0", 1},
-      {"1/0.0", ValueReal, "ERROR: Divisor must not be 0", 1},
-      {"0**(-1)", ValueInteger, "ERROR: Divisor must not be 0", 1},
+      {deep, ValueInteger, "", 0},
+      {"1/0", ValueReal, zero, 1},
+      {"1/0.0", ValueReal, zero, 1},
+      {"0**(-1)", ValueInteger, zero, 1},
       {"1+true", ValueReal, "right operand must bee INTEGER or REAL", 1},
-      {"true+1", ValueReal, "left operand must bee INTEGER or REAL", 1},
-      {"true*2", ValueReal, "left operand must bee INTEGER or REAL", 1},
-      {"(true+1)*(false-1)", ValueReal, "left operand must bee INTEGER or REAL", 2},
+      {"true+1", ValueReal, operand, 1},
+      {"true*2", ValueReal, operand, 1},
+      {"(true+1)*(false-1)", ValueReal, operand, 2},
       {"1<true", ValueLogical, "right operand must bee INTEGER or REAL", 1},
       {"true=1", ValueLogical, "right operand must be LOGICAL", 1},
       {"1=1", ValueReal, "TYPE FEJL", 1},
@@ -175,8 +177,8 @@ TEST_F(Calculator, ErrorsAndTheirMessages) {
       {"-true", ValueReal, "ERROR: operand must have INTEGER or REAL type", 1},
       {"int 3", ValueInteger, "Argument to 'INT' must be of REAL type", 1},
       {"round true", ValueInteger, "Argument to 'ROUND' must be of REAL type", 1},
-      {"2.0**(-1.0)", ValueReal, "real pot in expop must >= 0", 1},
-      {"2**(-0.5)", ValueReal, "real pot in expop must >= 0", 1},
+      {"2.0**(-1.0)", ValueReal, power, 1},
+      {"2**(-0.5)", ValueReal, power, 1},
       {"2**true", ValueReal, "Pot in expop must be INT or iflt", 1},
       {"true**2", ValueReal, "Number in expop must be INT or iflt", 1},
       {"X", ValueReal, "undefined constant", 1},
@@ -184,10 +186,9 @@ TEST_F(Calculator, ErrorsAndTheirMessages) {
       {"foo(1)", ValueReal, "Function unknown", 1},
       {"sqrtxyz(4)", ValueReal, "Function unknown", 1},
       {"sqrt(true)", ValueReal, "INTEGER or REAL argument ekspected", 1},
-      {"sqrt(-1)", ValueReal, "ERROR: Result is not a finite number", 1},
-      {"1e999", ValueReal, "ERROR: Result is not a finite number", 1},
+      {"sqrt(-1)", ValueReal, finite, 1},
+      {"1e999", ValueReal, finite, 1},
       {"1", 7, "FATAL type fejl i parser", 1},
-      {std::string(400, '(') + "1" + std::string(400, ')'), ValueInteger, "", 0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -196,7 +197,6 @@ TEST_F(Calculator, ErrorsAndTheirMessages) {
     EXPECT_EQ(real, 2.5);
     EXPECT_TRUE(logical);
     const std::string shown = output();
-    // One message each, and no follow-on errors.
     EXPECT_EQ(occurrences(shown, "To continue press RETURN"), c.count) << shown;
     if (c.count > 0) {
       EXPECT_EQ(occurrences(shown, c.message + "\n"), c.count);

@@ -278,50 +278,45 @@ TEST_F(PrintJob, ConfiguredCommandQuotedSpoolNameAndUnopenableFile) {
 
 // --- SLPRNT --------------------------------------------------------------------
 
-struct Variant {
-  int printers;
-  int files;
-  const char* question;
-  const char* refusal;
-  int cancel;
-};
-
-class TargetQuestion : public PrinterTest, public ::testing::WithParamInterface<Variant> {};
-
-TEST_P(TargetQuestion, OffersWhatTheConfigurationHas) {
-  const Variant v = GetParam();
-  for (int i = 1; i <= v.printers; ++i) addPrinter(DeviceTable::System, "p" + std::to_string(i));
-  for (int i = 1; i <= v.files; ++i) addPrinter(DeviceTable::File, "f" + std::to_string(i));
-  // A number past cancel, a word, then cancel; then RETURN: the screen.
-  type(std::to_string(v.cancel + 1) + "\n\n" + std::to_string(v.cancel) + "\n");
-  bool abort = false, status = true;
-  SLPRNT(abort, status);
-  EXPECT_TRUE(abort);
-  EXPECT_FALSE(status);
-  const std::string said = output();
-  EXPECT_EQ(occurrences(said, v.question), 2) << said;
-  EXPECT_EQ(occurrences(said, std::string(v.refusal) + "\n"), 1) << said;
-  EXPECT_TRUE(Contains(said, "(default 1 (screen))"));
-  EXPECT_FALSE(inputLeft());
-  type("\n");
-  SLPRNT(abort, status);
-  EXPECT_FALSE(abort);
-  EXPECT_FALSE(status);
-  EXPECT_EQ(program().listingTarget, TargetScreen);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Variants, TargetQuestion,
-    ::testing::Values(Variant{0, 0, "Printer is? (screen = 1, cancel = 2)",
-                              "Input must be either 1, 2", 2},
-                      Variant{0, 1, "Printer is? (screen = 1, file = 2, cancel = 3)",
-                              "Input must be either 1, 2, 3", 3},
-                      Variant{2, 0, "Printer is? (screen = 1, printer = 2, cancel = 3)",
-                              "Input must be either 1, 2, 3", 3},
-                      Variant{1, 3, "Printer is? (screen = 1, printer = 2, file = 3, cancel = 4)",
-                              "Input must be either 1, 2, 3 or 4", 4}));
-
 using PrinterChoice = PrinterTest;
+
+TEST_F(PrinterChoice, TheQuestionOffersWhatTheConfigurationHas) {
+  const struct {
+    int printers;
+    int files;
+    const char* question;
+    const char* refusal;
+    int cancel;
+  } variants[] = {
+      {0, 0, "Printer is? (screen = 1, cancel = 2)", "Input must be either 1, 2", 2},
+      {0, 1, "Printer is? (screen = 1, file = 2, cancel = 3)", "Input must be either 1, 2, 3", 3},
+      {2, 0, "Printer is? (screen = 1, printer = 2, cancel = 3)", "Input must be either 1, 2, 3",
+       3},
+      {1, 3, "Printer is? (screen = 1, printer = 2, file = 3, cancel = 4)",
+       "Input must be either 1, 2, 3 or 4", 4}};
+  for (const auto& v : variants) {
+    SCOPED_TRACE(v.question);
+    resetConfiguration();
+    for (int i = 1; i <= v.printers; ++i) addPrinter(DeviceTable::System, "p" + std::to_string(i));
+    for (int i = 1; i <= v.files; ++i) addPrinter(DeviceTable::File, "f" + std::to_string(i));
+    // A number past cancel, a word, then cancel; then RETURN: the screen.
+    type(std::to_string(v.cancel + 1) + "\n\n" + std::to_string(v.cancel) + "\n");
+    bool abort = false, status = true;
+    SLPRNT(abort, status);
+    EXPECT_TRUE(abort);
+    EXPECT_FALSE(status);
+    const std::string said = output();
+    EXPECT_EQ(occurrences(said, v.question), 2) << said;
+    EXPECT_EQ(occurrences(said, std::string(v.refusal) + "\n"), 1) << said;
+    EXPECT_TRUE(Contains(said, "(default 1 (screen))"));
+    EXPECT_FALSE(inputLeft());
+    type("\n");
+    SLPRNT(abort, status);
+    EXPECT_FALSE(abort);
+    EXPECT_FALSE(status);
+    EXPECT_EQ(program().listingTarget, TargetScreen);
+  }
+}
 
 TEST_F(PrinterChoice, FilePrinterAsksForTheFileAndItsOverwrite) {
   addPrinter(DeviceTable::File, "first");
