@@ -121,17 +121,15 @@ TEST_F(SystemMenu, ItemsAndTheirDialogues) {
 
 TEST_F(SystemMenu, SettingsOfTheProjectAttributesAndLog) {
   std::string said = run("1\n3\n3\n2\nBigCo\nann\n4\n11\n");
-  for (const char* piece : {"PROJECT MANIPULATION", "PRINTOUT LEVEL", "3.  ... Advanced"})
-    EXPECT_TRUE(Contains(said, piece));
+  EXPECT_TRUE(Contains(said, {"PROJECT MANIPULATION", "PRINTOUT LEVEL", "3.  ... Advanced"}));
   EXPECT_EQ(program().printLevel, 3);
   EXPECT_EQ(program().company, "BigCo");
   EXPECT_EQ(program().user, "ann");
 
   said = run("2\n1\n2\n2\n1\n3\n0\n\n12\n4\n11\n");
-  for (const char* piece :
-       {"PROGRAM ATTRIBUTES", "1.  ... F10.3", "2.  ... 1PE10.3", "3.  ... E10.3", "2.  ... ton",
-        "Temporary file interval must be positive", "(default 25)"})
-    EXPECT_TRUE(Contains(said, piece));
+  EXPECT_TRUE(
+      Contains(said, {"PROGRAM ATTRIBUTES", "1.  ... F10.3", "2.  ... 1PE10.3", "3.  ... E10.3",
+                      "2.  ... ton", "Temporary file interval must be positive", "(default 25)"}));
   EXPECT_EQ(program().floatFormat, 2);
   EXPECT_EQ(program().weightUnit, 1);
   EXPECT_EQ(program().weightUnitText, "kg");
@@ -212,17 +210,14 @@ TEST_F(SystemMenu, ConfigurationPrintedOnAFilePrinter) {
   run("10\n8\n3\n\n" + file + "\n9\n11\n");
   const std::string text = readFile(file);
   EXPECT_EQ(text.find("{"), std::string::npos);
-  for (const std::string& piece :
-       {std::string("- Site one -"), std::string("Program configuration"),
-        entry("Display type", "standard-color"), std::string("Printer 1"), entry("Name", "office"),
-        entry("Interface", "PostScript"), entry("Command", "lp -d office") + "\n",
-        entry("Command", "lp -d draft (standard)"), entry("Interface", "WIN32PRINTER"),
-        std::string("File printer 1"), entry("Interface", "(plain characters)"),
-        entry("Lines per page", "20"), std::string("No plotters defined"),
-        std::string("File plotter 1"), entry("Maximum paper size", "A4"),
-        std::string("Miscellaneous"), std::string("Miscellaneous (continued)"),
-        std::string("page:    2")})
-    EXPECT_TRUE(Contains(text, piece));
+  EXPECT_TRUE(Contains(
+      text, {"- Site one -", "Program configuration", entry("Display type", "standard-color"),
+             "Printer 1", entry("Name", "office"), entry("Interface", "PostScript"),
+             entry("Command", "lp -d office") + "\n", entry("Command", "lp -d draft (standard)"),
+             entry("Interface", "WIN32PRINTER"), "File printer 1",
+             entry("Interface", "(plain characters)"), entry("Lines per page", "20"),
+             "No plotters defined", "File plotter 1", entry("Maximum paper size", "A4"),
+             "Miscellaneous", "Miscellaneous (continued)", "page:    2"}));
 }
 
 }  // namespace
