@@ -287,6 +287,16 @@ TEST_F(Configure, ConfigCommandReadsAgainFromDefaults) {
 
 const std::string esc = "\x1b";
 
+// The sequences that switch `names` on, one after the other.
+std::string on(std::initializer_list<const char*> names) {
+  std::string all;
+  for (const char* name : names) {
+    const TerminalToken* t = findTerminalToken(name);
+    all += t ? t->on : std::string("<no ") + name + ">";
+  }
+  return all;
+}
+
 TEST_F(Configure, BuiltInXterm) {
   for (const char* type : {"xterm", "xterm-256color"}) {  // today's emulators are xterms
     ::setenv("TERM", type, 1);
@@ -294,8 +304,9 @@ TEST_F(Configure, BuiltInXterm) {
     EXPECT_EQ(terminal().name, type);
     EXPECT_EQ(program().screenColumns, 80);
     EXPECT_EQ(program().screenLines, 24);
-    ASSERT_NE(findTerminalToken("CSB"), nullptr);
-    EXPECT_EQ(findTerminalToken("CSB")->on, esc + "[2J" + esc + "[24;1H");
+    EXPECT_EQ(
+        on({"CSB", "UDL", "BLD", "INV", "BLK", "NWM", "NWL"}),
+        esc + "[2J" + esc + "[24;1H" + esc + "[4m" + esc + "[1m" + esc + "[7m" + esc + "[5m ->\n");
     EXPECT_EQ(findTerminalToken("UDL")->kind, TokenToggle);
     EXPECT_EQ(output(), "");
   }
@@ -308,8 +319,10 @@ TEST_F(Configure, BuiltInHptermWithThirtySixLinesAndSizeOverrides) {
   EXPECT_STATUS(false, IZTERM(status));
   EXPECT_EQ(program().screenColumns, 80);
   EXPECT_EQ(program().screenLines, 36);
-  EXPECT_EQ(findTerminalToken("UDL")->on + findTerminalToken("UDL")->off,
-            esc + "&dD" + esc + "&d@");
+  EXPECT_EQ(
+      on({"CST", "UDL", "HGL", "BCK", "MAG", "NWM"}),
+      esc + "&a0y0C" + esc + "J" + esc + "&dD" + esc + "&dsD" + esc + "&v0S" + esc + "&v7S ->");
+  EXPECT_EQ(findTerminalToken("UDL")->off, esc + "&d@");
 
   ::setenv("COLUMNS", "120", 1);
   commandLine().lines = 40;

@@ -112,6 +112,16 @@ TEST_F(PrinterLine, PclModelsSendSetupEscapesAndLineDrawing) {
   PRLINE("{hln");
   EXPECT_EQ(finishBody(), (Lines{esc + "(2Q\xc4" + esc + "(0U\r", "\f"}));
 
+  // Each model's underline, set-up and wrap-up.
+  const auto model = [](const char* name) {
+    IZPRMD(name);
+    return token("UDL").on + "|" + printerState().setup + "|" + printerState().wrap;
+  };
+  EXPECT_EQ(model("LaserJet-III"), esc + "&d0D|" + esc + "(10u(s12H|\f");
+  EXPECT_EQ(model("HP2934"), esc + "&dD|" + esc + "(8U" + esc + "(s12H" + esc + "(s3T" + esc +
+                                 "(s0Q" + esc + "&a10L|" + esc + "&a0L\f");
+  EXPECT_EQ(model("LaserJet-II"),
+            esc + "&dD|" + esc + "(10U" + esc + "(s12H" + esc + "(s3T" + esc + "&a10L|\f");
   IZPRMD("PostScript");
   EXPECT_EQ(token("ULC").on, "+");
   EXPECT_TRUE(printerState().setup.empty());
