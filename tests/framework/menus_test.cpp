@@ -1,16 +1,23 @@
+// Text menus, questions and confirmations; the module's main menu is
+// compared with screens checked in under tests/framework/golden/.
 #include "framework/menus.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "framework/input.h"
 #include "framework/state.h"
+#include "support/checks.h"
 #include "support/dialogue_fixture.h"
 
 namespace kntr::framework {
 namespace {
+
+using kntr::testing::Contains;
 
 class Menus : public kntr::testing::DialogueTest {
  protected:
@@ -27,6 +34,12 @@ class Menus : public kntr::testing::DialogueTest {
     TXMENU("TEST MENU", items, deflt, help, r.abort, r.selection, r.status);
     return r;
   }
+  // Asks a question of one field; true when it was aborted.
+  bool question(const std::string& text, const std::string& deflt, const std::string& help = "") {
+    bool abort = false, status = false;
+    ASKQST(text, deflt, help, 1, abort, status);
+    return abort;
+  }
 
   // The 1-based screen row that shows `text`, or 0.
   int rowShowing(const std::string& text) {
@@ -35,6 +48,7 @@ class Menus : public kntr::testing::DialogueTest {
       if (rows[i].find(text) != std::string::npos) return static_cast<int>(i) + 1;
     return 0;
   }
+  std::string row(int number) { return screen()[static_cast<std::size_t>(number - 1)]; }
 
   static std::string click(int column, int row) {
     return "\x1b[<0;" + std::to_string(column) + ";" + std::to_string(row) + "M";
@@ -49,10 +63,8 @@ std::vector<std::string> numberedItems(int n) {
 
 TEST_F(Menus, NineItemsAndAReturnRowPromptWithTwoDigits) {
   type("\n");
-  const Result r = menu(numberedItems(9), 10);
-  EXPECT_EQ(r.selection, 10);  // RETURN is the default
-  const std::vector<std::string> rows = screen();
-  EXPECT_EQ(rows[22], "Select item number [1-10] ?");
+  EXPECT_EQ(menu(numberedItems(9), 10).selection, 10);  // RETURN is the default
+  EXPECT_EQ(row(23), "Select item number [1-10] ?");
   const int first = rowShowing("1.  ... Item 1");
   const int nine = rowShowing("9.  ... Item 9");
   const int back = rowShowing("10. ... RETURN");
@@ -60,34 +72,35 @@ TEST_F(Menus, NineItemsAndAReturnRowPromptWithTwoDigits) {
   EXPECT_EQ(nine, first + 8);
   EXPECT_EQ(back, nine + 2);  // set off by an empty line
   // The dots of every row line up: one blank behind two digits.
-  EXPECT_EQ(rows[static_cast<std::size_t>(back - 1)].find("..."),
-            rows[static_cast<std::size_t>(first - 1)].find("..."));
-  EXPECT_EQ(rows[static_cast<std::size_t>(back - 1)].find("10."), 20u);
+  EXPECT_EQ(row(back).find("..."), row(first).find("..."));
+  EXPECT_EQ(row(back).find("10."), 20u);
 }
 
-TEST_F(Menus, BlankItemsTakeNoNumber) {
+TEST_F(Menus, BlankItemsTakeNoNumberAndLongItemsAreCut) {
   type("2\n");
-  const Result r = menu({"Alpha", "", "Beta"}, 0);
-  EXPECT_EQ(r.selection, 2);
+  EXPECT_EQ(menu({"Alpha", "", "Beta"}, 0).selection, 2);
   EXPECT_GT(rowShowing("2.  ... Beta"), rowShowing("1.  ... Alpha") + 1);
   EXPECT_EQ(rowShowing("3."), 0);
   EXPECT_GT(rowShowing("Select item number [1-2] ?"), 0);
+
+  type("1\n");
+  menu({std::string(100, 'x')}, 0);
+  // 80 columns: margin 20, text width 51.
+  EXPECT_GT(rowShowing("... " + std::string(51, 'x')), 0);
+  EXPECT_EQ(rowShowing(std::string(52, 'x')), 0);
 }
 
-TEST_F(Menus, WrongNumbersRedrawAfterTheError) {
+TEST_F(Menus, WrongMalformedAndSpecialAnswersRedraw) {
   type("0\n\n4\n\n3\n");
-  const Result r = menu({"A", "B", "C"}, 0);
-  EXPECT_EQ(r.selection, 3);
-  const std::string shown = output();
+  EXPECT_EQ(menu({"A", "B", "C"}, 0).selection, 3);
+  std::string shown = output();
   EXPECT_EQ(occurrences(shown, "Input must be an integer number in [1-3]"), 2);
   EXPECT_EQ(occurrences(shown, "TEST MENU"), 3);
   EXPECT_FALSE(inputLeft());
-}
 
-TEST_F(Menus, MalformedAndSpecialAnswersRedrawWithoutTicking) {
+  program().backupCounter = 0;
   type("1 , 2\n#date\n\n2\n");
-  const Result r = menu({"A", "B"}, 0);
-  EXPECT_EQ(r.selection, 2);
+  EXPECT_EQ(menu({"A", "B"}, 0).selection, 2);
   EXPECT_EQ(occurrences(output(), "TEST MENU"), 3);
   EXPECT_EQ(program().backupCounter, 1);  // only the valid answer counted
 }
@@ -101,82 +114,60 @@ TEST_F(Menus, ClickOnARowSelectsItAndAClickElsewhereRedraws) {
   output();
 
   script(click(40, rowB));
-  Result r = menu({"A", "", "B", "C"}, 1);
-  EXPECT_EQ(r.selection, 2);
+  EXPECT_EQ(menu({"A", "", "B", "C"}, 1).selection, 2);
   EXPECT_FALSE(inputLeft());
   EXPECT_EQ(occurrences(output(), "TEST MENU"), 1);
 
   // The header box and an empty row are misses; then RETURN takes the default.
   script(click(40, 2) + click(5, rowB - 1) + "\n");
-  r = menu({"A", "", "B", "C"}, 1);
-  EXPECT_EQ(r.selection, 1);
+  EXPECT_EQ(menu({"A", "", "B", "C"}, 1).selection, 1);
   EXPECT_EQ(occurrences(output(), "TEST MENU"), 3);
 }
 
-TEST_F(Menus, EmptyAnswerTakesTheDefaultOrSaysThereIsNone) {
+TEST_F(Menus, EmptyAnswerHelpAndAbort) {
   type("\n\n3\n");
-  Result r = menu({"A", "B", "C"}, 0);
-  EXPECT_EQ(r.selection, 3);
-  EXPECT_NE(output().find("No default value available\n"), std::string::npos);
+  EXPECT_EQ(menu({"A", "B", "C"}, 0).selection, 3);
+  EXPECT_TRUE(Contains(output(), "No default value available\n"));
 
   script("\n");
-  r = menu({"A", "B", "C"}, 2);
-  EXPECT_EQ(r.selection, 2);
+  EXPECT_EQ(menu({"A", "B", "C"}, 2).selection, 2);
   // A default inside the list stands between empty lines.
-  const int row = rowShowing("2.  ... B");
-  EXPECT_EQ(screen()[static_cast<std::size_t>(row - 2)], "");
-  EXPECT_EQ(screen()[static_cast<std::size_t>(row)], "");
-}
+  const int at = rowShowing("2.  ... B");
+  EXPECT_EQ(row(at - 1), "");
+  EXPECT_EQ(row(at + 1), "");
 
-TEST_F(Menus, HelpAndAbort) {
-  type("?\n\n?\n\n$\n");
+  script("?\n\n?\n\n$\n");
   Result r = menu({"A"}, 0, "", 7);
   EXPECT_TRUE(r.abort);
   EXPECT_EQ(r.selection, 7);
-  EXPECT_NE(output().find("No help available"), std::string::npos);
-
+  EXPECT_TRUE(Contains(output(), "No help available"));
   script("?\n\n1\n");
-  r = menu({"A"}, 0, "Pick one of the rows.");
-  EXPECT_EQ(r.selection, 1);
-  EXPECT_NE(output().find("Pick one of the rows.\n"), std::string::npos);
+  EXPECT_EQ(menu({"A"}, 0, "Pick one of the rows.").selection, 1);
+  EXPECT_TRUE(Contains(output(), "Pick one of the rows.\n"));
 }
 
-TEST_F(Menus, NarrowScreenRefusesTheMenu) {
+TEST_F(Menus, TheScreenMustHoldTheMenu) {
   resize(21, 24);
   type("\n");
   Result r = menu({"A"}, 1, "", 5);
   EXPECT_TRUE(r.status);
   EXPECT_EQ(r.selection, 5);
-  EXPECT_NE(output().find("Screen is to small to display menu"), std::string::npos);
-
+  EXPECT_TRUE(Contains(output(), "Screen is to small to display menu"));
   resize(22, 24);
   type("1\n");
   r = menu({"A"}, 1);
   EXPECT_FALSE(r.status);
   EXPECT_EQ(r.selection, 1);
-}
 
-TEST_F(Menus, AFullScreenOfItemsHasATopGapOfOne) {
   // L - 9 items fit, with one empty line under the header box.
+  resize(80, 24);
   type("\n");
-  Result r = menu(numberedItems(15), 15);
-  EXPECT_FALSE(r.status);
-  const std::vector<std::string> rows = screen();
-  EXPECT_EQ(rows[3], "");
-  EXPECT_EQ(rows[4], "                    1.  ... Item 1");
-  EXPECT_EQ(rows[22], "Select item number [1-15] ?");
-
+  EXPECT_FALSE(menu(numberedItems(15), 15).status);
+  EXPECT_EQ(row(4), "");
+  EXPECT_EQ(row(5), "                    1.  ... Item 1");
+  EXPECT_EQ(row(23), "Select item number [1-15] ?");
   type("\n");
-  r = menu(numberedItems(16), 16);
-  EXPECT_TRUE(r.status);
-}
-
-TEST_F(Menus, LongItemsAreCutToTheTextWidth) {
-  type("1\n");
-  menu({std::string(100, 'x')}, 0);
-  // 80 columns: margin 20, text width 51.
-  EXPECT_GT(rowShowing("... " + std::string(51, 'x')), 0);
-  EXPECT_EQ(rowShowing(std::string(52, 'x')), 0);
+  EXPECT_TRUE(menu(numberedItems(16), 16).status);
 }
 
 int backups = 0;
@@ -199,7 +190,6 @@ TEST_F(Menus, TheAnswerAfterTheIntervalRunsTheBackupFirst) {
 
   // The fourth answer: the backup runs before the selection is taken.
   Result r;
-  r.selection = 0;
   watchedSelection = &r.selection;
   type("2\n");
   TXMENU("TEST MENU", std::vector<std::string>{"A", "B"}, 1, "", r.abort, r.selection, r.status);
@@ -208,78 +198,61 @@ TEST_F(Menus, TheAnswerAfterTheIntervalRunsTheBackupFirst) {
   EXPECT_EQ(selectionAtBackup, 1);  // still the preset default
   EXPECT_EQ(r.selection, 2);
   EXPECT_EQ(program().backupCounter, 0);
-}
 
-TEST_F(Menus, QuestionsTickTheSameClock) {
-  backups = 0;
-  callbacks().backup = &countBackup;
+  // Questions tick the same clock.
   program().backupInterval = 2;
-  bool abort = false, status = false;
   type("1\n#?\n\n1\n1\n");
-  for (int i = 1; i <= 3; ++i) ASKQST("Value?", "0", "", 1, abort, status);
-  EXPECT_EQ(backups, 1);
+  for (int i = 1; i <= 3; ++i) question("Value?", "0");
+  EXPECT_EQ(backups, 2);
   EXPECT_EQ(program().backupCounter, 0);
 }
 
-class Questions : public Menus {};
+// --- questions --------------------------------------------------------------------
 
-TEST_F(Questions, QuestionAndDefaultLines) {
+using Questions = Menus;
+
+TEST_F(Questions, QuestionDefaultHelpAndAbort) {
   type("5\n");
-  bool abort = true, status = true;
-  ASKQST("Input number of points?", "10", "", 1, abort, status);
-  EXPECT_FALSE(abort);
-  EXPECT_FALSE(status);
-  const std::vector<std::string> rows = screen();
-  EXPECT_EQ(rows[21], "Input number of points?");
-  EXPECT_EQ(rows[22], "(default 10)");
+  EXPECT_FALSE(question("Input number of points?", "10"));
+  EXPECT_EQ(row(22), "Input number of points?");
+  EXPECT_EQ(row(23), "(default 10)");
   int value[1] = {10};
-  bool deflt = true;
+  bool deflt = true, status = true;
   GTINTV(value, deflt, status);
   EXPECT_EQ(value[0], 5);
-}
 
-TEST_F(Questions, NoDefaultSaysSoAndAsksAgain) {
   type("\n\n7\n");
-  bool abort = false, status = false;
-  ASKQST("Input number?", "", "", 1, abort, status);
-  const std::string shown = output();
-  EXPECT_NE(shown.find("(no default)\n"), std::string::npos);
-  EXPECT_NE(shown.find("No default values available\n"), std::string::npos);
+  question("Input number?", "");
+  std::string shown = output();
+  EXPECT_TRUE(Contains(shown, {"(no default)\n", "No default values available\n"}));
   EXPECT_EQ(occurrences(shown, "Input number?"), 2);
   EXPECT_FALSE(inputLeft());
-}
 
-TEST_F(Questions, HelpAbortAndABlankQuestion) {
   type("?\n\n$\n");
-  bool abort = false, status = false;
-  ASKQST("Input number?", "1", "Any whole number.", 1, abort, status);
-  EXPECT_TRUE(abort);
-  EXPECT_NE(output().find("Any whole number.\n"), std::string::npos);
-
+  EXPECT_TRUE(question("Input number?", "1", "Any whole number."));
+  EXPECT_TRUE(Contains(output(), "Any whole number.\n"));
   type("\n");
+  bool abort = false;
   ASKQST("   ", "1", "", 1, abort, status);
   EXPECT_TRUE(status);
-  EXPECT_NE(output().find("No question text available"), std::string::npos);
+  EXPECT_TRUE(Contains(output(), "No question text available"));
 }
 
 TEST_F(Questions, ExitConfirmation) {
-  SCOPED_TRACE("RETURN alone means no");
   program().SPNAME = "KNTR";
-  type("\n");
+  type("\n");  // RETURN alone means no
   bool answer = true;
   OKEXIT(false, answer);
   EXPECT_FALSE(answer);
-  std::string shown = output();
-  EXPECT_NE(shown.find("OK to EXIT module ** KNTR ** ? (yes/no)\n(default NO)\n"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(output(), "OK to EXIT module ** KNTR ** ? (yes/no)\n(default NO)\n"));
 
   type("maybe\n\nyes\n");
   OKEXIT(true, answer);
   EXPECT_TRUE(answer);
-  shown = output();
-  EXPECT_NE(shown.find("OK to EXIT module ** KNTR ** WITHOUT storing modified data? (yes/no)\n"),
-            std::string::npos);
-  EXPECT_NE(shown.find("Input must be yes/no, true/false, 1/0"), std::string::npos);
+  const std::string shown = output();
+  EXPECT_TRUE(
+      Contains(shown, "OK to EXIT module ** KNTR ** WITHOUT storing modified data? (yes/no)\n"));
+  EXPECT_TRUE(Contains(shown, "Input must be yes/no, true/false, 1/0"));
 
   type("$\n");
   OKEXIT(false, answer);
@@ -292,55 +265,66 @@ TEST_F(Questions, LoadAndResetConfirmations) {
   bool answer = false;
   OKLOAD(false, answer);
   EXPECT_TRUE(answer);
-  std::string shown = output();
-  EXPECT_NE(shown.find("OK to load KNTR data without saving current data? (yes/no)\n(default no)"),
-            std::string::npos);
-  EXPECT_NE(shown.find("Loading KNTR data destroys current data!\n"), std::string::npos);
-
+  EXPECT_TRUE(Contains(output(),
+                       {"OK to load KNTR data without saving current data? (yes/no)\n(default no)",
+                        "Loading KNTR data destroys current data!\n"}));
   type("?\n\nn\n");
   OKRSET(answer);
   EXPECT_FALSE(answer);
-  shown = output();
-  EXPECT_NE(shown.find("OK to reset module ** KNTR ** ? (yes/no)\n(default no)"),
-            std::string::npos);
-  EXPECT_NE(shown.find("No help available"), std::string::npos);
-}
-
-int questionsAsked = 0;
-void pickThenType(std::string_view, std::string_view, std::string_view, int expected, bool& picked,
-                  bool& abort, bool& status) {
-  ++questionsAsked;
-  picked = questionsAsked == 1;
-  abort = false;
-  status = false;
-  if (!picked) {
-    Answer answer;
-    RDPROM(expected, answer, status);
-  }
-}
-
-TEST_F(Questions, GraphicLoadConfirmationTakesOnlyKeys) {
-  questionsAsked = 0;
-  graphicDialogues().GQUEST = &pickThenType;
-  type("\nyes\n");  // RETURN after the error, then the typed answer
-  bool answer = false;
-  OKLOAD(true, answer);
-  EXPECT_TRUE(answer);
-  EXPECT_EQ(questionsAsked, 2);
-  EXPECT_NE(output().find("Only keyboard input is allowed!"), std::string::npos);
-}
-
-TEST_F(Questions, GraphicConfirmationFallsBackToTheConsole) {
+  EXPECT_TRUE(Contains(
+      output(), {"OK to reset module ** KNTR ** ? (yes/no)\n(default no)", "No help available"}));
+  // Without a graphics window the graphic confirmation is asked on the console.
   type("y\n");
-  bool answer = false;
+  answer = false;
   OKLOAD(true, answer);
   EXPECT_TRUE(answer);
 }
 
-TEST(ToggleRows, StateTexts) {
-  EXPECT_EQ(logicalStateText(true), "ON/off");
-  EXPECT_EQ(logicalStateText(false), "on/OFF");
+// --- the main menu ----------------------------------------------------------------
+
+// The main menu with a bounding box given and no curves yet.
+const std::array<std::string, 12> mainMenuRows{"Modify bounding box",
+                                               "Key-in profile",
+                                               "Digitize profile",
+                                               "Manipulate profile",
+                                               "",
+                                               "( Print profile )",
+                                               "( Plot profile )",
+                                               "",
+                                               "Setup{NWM",
+                                               "File{NWM",
+                                               "",
+                                               "EXIT"};
+
+class MainMenu : public Menus, public ::testing::WithParamInterface<std::array<int, 2>> {};
+
+TEST_P(MainMenu, MatchesTheGoldenScreen) {
+  const auto [columns, lines] = GetParam();
+  const std::string name =
+      "main_menu_" + std::to_string(columns) + "x" + std::to_string(lines) + ".txt";
+  resize(columns, lines);
+  ProgramState& p = program();
+  p.SPNAME = "KNTR";
+  p.SPVERS = "1998-0223";
+  p.packageName = "Tarvik";
+  p.packageVersion = "2016A";
+  type("\n");
+  bool abort = true, status = true;
+  int selection = 0;
+  TXMENU("MANIPULATE KNTR DATA", mainMenuRows, 12, " ", abort, selection, status);
+  EXPECT_FALSE(abort);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(selection, 9);  // RETURN takes the default: EXIT, the ninth numbered row
+  std::ifstream file(std::string(KNTR_SOURCE_DIR) + "/tests/framework/golden/" + name);
+  std::vector<std::string> expected;
+  for (std::string line; std::getline(file, line);) expected.push_back(line);
+  ASSERT_EQ(expected.size(), static_cast<std::size_t>(lines)) << "golden file " << name;
+  EXPECT_EQ(screen(), expected);
 }
+
+INSTANTIATE_TEST_SUITE_P(Sizes, MainMenu,
+                         ::testing::Values(std::array<int, 2>{80, 24},
+                                           std::array<int, 2>{132, 50}));
 
 }  // namespace
 }  // namespace kntr::framework

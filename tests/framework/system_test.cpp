@@ -6,60 +6,42 @@
 #include <string>
 #include <vector>
 
+#include "support/checks.h"
 #include "support/dialogue_fixture.h"
 
 namespace kntr::framework {
 namespace {
 
+using kntr::testing::Contains;
 using SystemCalls = kntr::testing::DialogueTest;
+
+// Runs `commands`, with a RETURN for each error; gives what was shown,
+// after "failed: " when the call failed.
+std::string run(const std::string& commands) {
+  platform::testconsole::feed("\n\n");
+  bool status = true;
+  OPSYIF(commands, status);
+  return (status ? "failed: " : "") + platform::testconsole::takeOutput();
+}
 
 TEST_F(SystemCalls, AFailingCommandIsToldAndTheNextStillRuns) {
   // The third command leaves a mark that the test can see.
   const std::string mark = std::string(KNTR_BINARY_DIR) + "/opsyif_mark";
   std::remove(mark.c_str());
-  type("\n");
-  bool status = false;
-  OPSYIF("true; exit 3 ;touch " + mark, status);
-  EXPECT_TRUE(status);
-  const std::string shown = output();
+  const std::string shown = run("true; exit 3 ;touch " + mark);
   EXPECT_EQ(occurrences(shown, "Attempt to call operating system failed"), 1);
-  EXPECT_NE(shown.find("Attempt to call operating system failed\n** exit 3 **\n(error is    3)"),
-            std::string::npos)
-      << shown;
+  EXPECT_TRUE(Contains(
+      shown, "failed: Attempt to call operating system failed\n** exit 3 **\n(error is    3)"));
   EXPECT_EQ(std::remove(mark.c_str()), 0) << "the command after the failure did not run";
-}
+  EXPECT_EQ(run("true;;true"), "");
 
-TEST_F(SystemCalls, CommandsThatSucceedSayNothing) {
-  bool status = true;
-  OPSYIF("true;;true", status);
-  EXPECT_FALSE(status);
-  EXPECT_EQ(output(), "");
-}
-
-TEST_F(SystemCalls, AFailedCommandShowsItsLast64Characters) {
+  // A failed command shows its last 64 characters.
   const std::string command = "false #" + std::string(60, 'a') + std::string(10, 'b');
-  type("\n");
-  bool status = false;
-  OPSYIF(command, status);
-  EXPECT_TRUE(status);
-  const std::string shown = output();
-  EXPECT_NE(shown.find("** " + command.substr(command.size() - 64) + " **"), std::string::npos);
-  EXPECT_EQ(shown.find("false #"), std::string::npos);
-}
-
-TEST_F(SystemCalls, BlankAndOverlongLists) {
-  type("\n\n");
-  bool status = false;
-  OPSYIF("   ", status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("(OPSYIF) No operating system call specified"), std::string::npos);
-
-  status = false;
-  OPSYIF(std::string(1300, 'x'), status);
-  EXPECT_TRUE(status);
-  EXPECT_NE(output().find("Maximum length of operating system call exceeded\n"
-                          "(maximum length is 1256 < 1300)"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(run(command), "** " + command.substr(command.size() - 64) + " **"));
+  EXPECT_TRUE(Contains(run("   "), "failed: (OPSYIF) No operating system call specified"));
+  EXPECT_TRUE(Contains(run(std::string(1300, 'x')),
+                       "failed: Maximum length of operating system call exceeded\n"
+                       "(maximum length is 1256 < 1300)"));
 }
 
 std::vector<std::string> ran;
@@ -71,12 +53,8 @@ int recordAndFailSecond(std::string_view command) {
 TEST_F(SystemCalls, ThroughTheHookEachCommandInTurn) {
   ran.clear();
   systemHooks().runCommand = &recordAndFailSecond;
-  type("\n");
-  bool status = false;
-  OPSYIF(" ls -a ; nothere;ps -u x ", status);
-  EXPECT_TRUE(status);
+  EXPECT_TRUE(Contains(run(" ls -a ; nothere;ps -u x "), "** nothere **\n(error is  127)"));
   EXPECT_EQ(ran, (std::vector<std::string>{"ls -a", "nothere", "ps -u x"}));
-  EXPECT_NE(output().find("** nothere **\n(error is  127)"), std::string::npos);
 }
 
 }  // namespace

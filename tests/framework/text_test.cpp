@@ -1,38 +1,44 @@
+// The text routines: formatting tokens, messages and paged listings.
 #include "framework/text.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "framework/state.h"
+#include "support/checks.h"
 #include "support/console_fixture.h"
 
 namespace kntr::framework {
 namespace {
 
+using kntr::testing::Contains;
 using TextTokens = kntr::testing::ConsoleTest;
 
-TEST_F(TextTokens, BracesAndLineTokens) {
-  OUTSCN("a{{b");
-  EXPECT_EQ(output(), "a{b\n");
-  OUTSCN("{{nwl");
-  EXPECT_EQ(output(), "{nwl\n");
-  OUTSCN("one{NWL}two{nwl}three");
-  EXPECT_EQ(output(), "one\n}two\n}three\n");
-  OUTSCN("");
-  EXPECT_EQ(output(), "\n");
-}
-
-TEST_F(TextTokens, BoxTokensAndMarks) {
-  OUTSCN("{ulc{hln{hln{urc{nwl{vln  {vln{nwl{llc{tdn{crs{tup{lrc");
-  EXPECT_EQ(output(), "+--+\n!  !\n+++++\n");
-  OUTSCN("Setup{NWM");
-  EXPECT_EQ(output(), "Setup->\n");
-  OUTSCN("a{udl}b{bel}c");
-  EXPECT_EQ(output(), "a}b}c\n");
+TEST_F(TextTokens, TokensTranslateOnTheScreen) {
+  const struct {
+    const char* text;
+    const char* shown;
+  } cases[] = {
+      {"a{{b", "a{b\n"},
+      {"{{nwl", "{nwl\n"},
+      {"one{NWL}two{nwl}three", "one\n}two\n}three\n"},
+      {"", "\n"},
+      {"{ulc{hln{hln{urc{nwl{vln  {vln{nwl{llc{tdn{crs{tup{lrc", "+--+\n!  !\n+++++\n"},
+      {"Setup{NWM", "Setup->\n"},
+      {"a{udl}b{bel}c", "a}b}c\n"},
+  };
+  for (const auto& c : cases) {
+    OUTSCN(c.text);
+    EXPECT_EQ(output(), c.shown) << c.text;
+  }
 }
 
 TEST_F(TextTokens, ColoursSwitchTheForeground) {
   OUTSCN("{NAY}x");
-  EXPECT_EQ(platform::testconsole::lastForeground(), 6);
+  EXPECT_EQ(platform::testconsole::lastForeground(), 6);  // magenta
   OUTSCN("{red}x{cya}");
   EXPECT_EQ(platform::testconsole::lastForeground(), 4);
   PUTSCN("plain");
@@ -42,9 +48,7 @@ TEST_F(TextTokens, ColoursSwitchTheForeground) {
 TEST_F(TextTokens, IllegalTokenAtTheEndKeepsTheTextBeforeIt) {
   OUTSCN("abc{ab");
   const std::string shown = output();
-  EXPECT_NE(shown.find("illegal token in position"), std::string::npos);
-  EXPECT_NE(shown.find("           4"), std::string::npos);
-  EXPECT_NE(shown.find("abc\n"), std::string::npos);
+  EXPECT_TRUE(Contains(shown, {"illegal token in position", "           4", "abc\n"}));
 }
 
 TEST_F(TextTokens, PutscnLimitIs4092Characters) {
@@ -53,8 +57,9 @@ TEST_F(TextTokens, PutscnLimitIs4092Characters) {
   type("\n");
   PUTSCN(std::string(4093, 'x'));
   const std::string shown = output();
-  EXPECT_NE(shown.find("csbMaximum number of characters exceeded in subroutine PUTSCN\n(maximum is 4092)"),
-            std::string::npos);
+  EXPECT_TRUE(Contains(shown,
+                       "csbMaximum number of characters exceeded in subroutine PUTSCN\n"
+                       "(maximum is 4092)"));
   EXPECT_EQ(shown.find(std::string(4093, 'x')), std::string::npos);
 }
 
@@ -63,16 +68,13 @@ TEST_F(TextTokens, ErrorsWaitForReturnAndMouseButtonOneKeepsWaiting) {
   type("\x1b[<1;5;5M");  // middle click ends the pause
   ERRSCN("Something failed");
   EXPECT_TRUE(platform::testconsole::inputExhausted());
-  EXPECT_NE(output().find("Something failed\n\n\nTo continue press RETURN"), std::string::npos);
-}
-
-TEST_F(TextTokens, BatchModeDoesNotWait) {
-  program().executionMode = ModeBatch;
+  EXPECT_TRUE(Contains(output(), "Something failed\n\n\nTo continue press RETURN"));
+  program().executionMode = ModeBatch;  // a batch run does not wait
   PRMESG("note");
   EXPECT_EQ(output(), "note\n\n\n\n\n");
 }
 
-TEST(IoErrorReasons, TableAndUnknownCodes) {
+TEST_F(TextTokens, IoErrorsNameTheOperationTheFileAndTheReason) {
   EXPECT_EQ(ioStatusReason(908), "{nwl{gre(Could not open file specified)");
   EXPECT_EQ(ioStatusReason(942),
             "{nwl{gre(Error in list-directed read - character data read for assignment to "
@@ -84,19 +86,76 @@ TEST(IoErrorReasons, TableAndUnknownCodes) {
   for (int code : {906, 911, 919, 928, 932, 934, 935, 936, 938, 941, 943, 946, 949})
     EXPECT_EQ(ioStatusReason(code),
               "{nwl{gre(Unknown error message (I/O status is " + std::to_string(code) + "))");
+  type("\n\n");
+  IOERRM('R', "", 906);
+  EXPECT_TRUE(Contains(output(),
+                       "Attempt to read from file ** UNKNOWN ** failed\n"
+                       "(Unknown error message (I/O status is 906))"));
+  IOINTL('W', 981);
+  EXPECT_TRUE(Contains(output(),
+                       "Attempt to write to file ** INTERNAL ** failed\n"
+                       "(Value out of range in numeric read)"));
 }
 
-TEST_F(TextTokens, IoErrorNamesTheOperationAndTheFile) {
-  type("\n");
-  IOERRM('R', "", 906);
-  EXPECT_NE(output().find("Attempt to read from file ** UNKNOWN ** failed\n(Unknown error message "
-                          "(I/O status is 906))"),
-            std::string::npos);
-  type("\n");
-  IOINTL('W', 981);
-  EXPECT_NE(output().find("Attempt to write to file ** INTERNAL ** failed\n(Value out of range in "
-                          "numeric read)"),
-            std::string::npos);
+// --- paged listings ------------------------------------------------------------
+
+class Paging : public kntr::testing::ConsoleTest {
+ protected:
+  void SetUp() override {
+    ConsoleTest::SetUp();
+    resize(40, 12);
+    scrollRow() = 1;
+  }
+  // Runs a listing of `last` blocks of one line each on the answers `keys`
+  // until SCROLL ends it; returns the page numbers shown, in order.
+  std::vector<int> list(const std::string& keys, int last) {
+    type(keys);
+    std::vector<int> shown;
+    int current = 1;
+    bool status = false;
+    for (int guard = 0; guard < 100 && !status; ++guard) {
+      shown.push_back(current);
+      SCROLL("block " + std::to_string(current), last, current, status);
+    }
+    return shown;
+  }
+};
+
+TEST_F(Paging, BlocksFillTheScreenThenAsk) {
+  // One-line blocks take 3 lines each. On 12 lines the third block would
+  // leave no room for the question, so the screen shows two and asks;
+  // RETURN at the first question ends the listing.
+  EXPECT_EQ(list("\n", 10), (std::vector<int>{1, 2, 3}));
+  const auto rows = screen();
+  EXPECT_NE(std::find(rows.begin(), rows.end(), "block 2"), rows.end());
+  EXPECT_EQ(std::find(rows.begin(), rows.end(), "block 3"), rows.end());
+  EXPECT_TRUE(Contains(output(), "Input +, -, NNN, +NNN, -NNN or <R> to quit ?"));
+  // The last page asks at once.
+  scrollRow() = 1;
+  EXPECT_EQ(list("\n", 2), (std::vector<int>{1, 2}));
+}
+
+TEST_F(Paging, PlusGoesOnNumbersJumpAndBadAnswersAreRefused) {
+  // First screen 1..3 (4 does not fit and steps back to 3), "+" from 3
+  // shows 4.., "7" jumps to page 7.
+  const auto shown = list("+\n7\n\n", 10);
+  ASSERT_GE(shown.size(), 6u);
+  EXPECT_EQ(shown[0], 1);
+  EXPECT_NE(std::find(shown.begin(), shown.end(), 7), shown.end());
+  list("x\n\n\n", 10);
+  EXPECT_TRUE(Contains(output(), "Input must be either +, -, NNN, +NNN, -NNN or <R> to quit ?"));
+}
+
+TEST_F(Paging, WholeScreenListingMustFit) {
+  type("\n\n");
+  PRPAGE("a{nwl}b");
+  EXPECT_TRUE(Contains(output(), "To continue press RETURN"));
+  std::string tall = "x";
+  for (int i = 0; i < 9; ++i) tall += "{nwl}x";
+  PRPAGE(tall);
+  EXPECT_TRUE(Contains(output(), "Attempt to exceed number of lines on screen\n(maximum is   10)"));
+  EXPECT_EQ(CNTLIN(tall), 10);
+  EXPECT_EQ(CNTLIN("   "), 1);
 }
 
 }  // namespace

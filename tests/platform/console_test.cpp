@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace kntr::platform {
 namespace {
 
@@ -9,41 +12,26 @@ class MemoryConsole : public ::testing::Test {
  protected:
   void SetUp() override { testconsole::attach("", 40, 10, 100, 50); }
   void TearDown() override { testconsole::detach(); }
+  // Reads one line: "button column row length [text]".
+  static std::string read() {
+    int button = -1, column = 0, row = 0, length = 0;
+    std::string line;
+    WinConF::getStrMouse(button, column, row, length, line);
+    return std::to_string(button) + " " + std::to_string(column) + " " + std::to_string(row) + " " +
+           std::to_string(length) + " [" + line.substr(0, static_cast<std::size_t>(length)) + "]";
+  }
 };
 
-TEST_F(MemoryConsole, LineEditingWithBackspace) {
+TEST_F(MemoryConsole, LinesEditAndMouseReportsEndThemWithButtonAndCell) {
   testconsole::feed("abx\bc\n\b\b\bz\n");
-  int button = -1, column = 0, row = 0, length = 0;
-  std::string line;
-  WinConF::getStrMouse(button, column, row, length, line);
-  EXPECT_EQ(button, 0);
-  EXPECT_EQ(line, "abc");
-  EXPECT_EQ(length, 3);
-  // Backspace at the start of a line does nothing.
-  WinConF::getStrMouse(button, column, row, length, line);
-  EXPECT_EQ(line, "z");
-}
-
-TEST_F(MemoryConsole, MouseReportsEndTheLineWithButtonAndCell) {
+  EXPECT_EQ(read(), "0 0 0 3 [abc]");
+  EXPECT_EQ(read(), "0 0 0 1 [z]");  // backspace at the start of a line does nothing
   // Typed text, then a left press and release, a wheel turn, a right press.
   testconsole::feed("12\x1b[<0;7;3M");
   testconsole::feed("\x1b[<0;7;3m\x1b[<64;1;1M\x1b[A\x1b[<2;40;10M");
-  int button = 0, column = 0, row = 0, length = 0;
-  std::string line;
-  WinConF::getStrMouse(button, column, row, length, line);
-  EXPECT_EQ(button, 1);
-  EXPECT_EQ(column, 7);
-  EXPECT_EQ(row, 3);
-  EXPECT_EQ(length, 2);  // what was typed before the click
-  WinConF::getStrMouse(button, column, row, length, line);
-  EXPECT_EQ(button, 3);  // right button: the number of buttons
-  EXPECT_EQ(column, 40);
-  EXPECT_EQ(row, 10);
-  EXPECT_EQ(length, 0);
-}
-
-TEST_F(MemoryConsole, CarriageReturnLineFeedIsOneLineEnd) {
-  testconsole::feed("a\r\nb\n");
+  EXPECT_EQ(read(), "1 7 3 2 [12]");  // what was typed before the click
+  EXPECT_EQ(read(), "3 40 10 0 []");  // right button: the number of buttons
+  testconsole::feed("a\r\nb\n");      // CR LF is one line end
   std::string line;
   WinConF::getString(line);
   EXPECT_EQ(line, "a");
@@ -52,59 +40,15 @@ TEST_F(MemoryConsole, CarriageReturnLineFeedIsOneLineEnd) {
   EXPECT_TRUE(testconsole::inputExhausted());
 }
 
-TEST_F(MemoryConsole, SizeRequestsBeyondTheLargestAreIgnored) {
-  int columns = 0, lines = 0;
-  WinConF::setSize(200, 20);
-  WinConF::getSize(columns, lines);
-  EXPECT_EQ(columns, 40);
-  EXPECT_EQ(lines, 10);
-  WinConF::setSize(80, 24);
-  WinConF::getSize(columns, lines);
-  EXPECT_EQ(columns, 80);
-  EXPECT_EQ(lines, 24);
-}
-
-TEST_F(MemoryConsole, CursorIsClippedAndClearingKeepsIt) {
-  WinConF::setPosition(-5, 99);
-  int column = -1, row = -1;
-  WinConF::getPosition(column, row);
-  EXPECT_EQ(column, 0);
-  EXPECT_EQ(row, 9);
-  WinConF::setPosition(3, 2);
-  WinConF::putString("xy");
-  WinConF::clearScreen();
-  WinConF::getPosition(column, row);
-  EXPECT_EQ(column, 5);
-  EXPECT_EQ(row, 2);
-  for (const auto& r : testconsole::screen()) EXPECT_EQ(r, "");
-  WinConF::setLowerLeft();
-  WinConF::getPosition(column, row);
-  EXPECT_EQ(row, 9);
-}
-
-TEST_F(MemoryConsole, ColourZeroKeepsTheForeground) {
+TEST_F(MemoryConsole, ColourZeroKeepsTheColourAndUnknownOnesAreWhite) {
+  int foreground = 0, background = 0;
   WinConF::setColor(5, 0);
   WinConF::setColor(0, 3);
-  int foreground = 0, background = 0;
   WinConF::getColor(foreground, background);
-  EXPECT_EQ(foreground, 5);
-  EXPECT_EQ(background, 3);
+  EXPECT_EQ(std::vector<int>({foreground, background}), std::vector<int>({5, 3}));
   WinConF::setColor(9, 0);  // not in the table: white
   WinConF::getColor(foreground, background);
   EXPECT_EQ(foreground, 8);
-}
-
-TEST_F(MemoryConsole, EndOfInputCallsTheHandlerAndExits) {
-  EXPECT_EXIT(
-      {
-        setEndOfInputHandler([] {
-          writeStandardOutput("handled\n");
-          std::exit(3);
-        });
-        std::string line;
-        WinConF::getString(line);
-      },
-      ::testing::ExitedWithCode(3), "");
 }
 
 }  // namespace
