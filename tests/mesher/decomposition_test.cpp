@@ -39,6 +39,13 @@ TEST_F(MesherTest, RegionsDecomposeIntoSoundConvexPolygons) {
   shapes::Polygon sliver;
   for (int i = 0; i <= 50; ++i) sliver.push_back({i * 2.0, 0.002 * std::sin(i * 0.3)});
   for (int i = 50; i >= 0; --i) sliver.push_back({i * 2.0, 0.01 + 0.002 * std::sin(i * 0.3)});
+  // A corner of about 350 degrees at the tip (5, 5) of a slit from the top,
+  // over different bottoms.
+  const double mouth = 5.0 * std::tan(5.0 * Pi / 180.0);
+  auto slit = [&](shapes::Polygon bottom) {
+    bottom.insert(bottom.end(), {{10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5}, {5 - mouth, 10}, {0, 10}});
+    return TestRegion{{bottom}};
+  };
   struct Case {
     const char* name;
     TestRegion region;
@@ -79,6 +86,13 @@ TEST_F(MesherTest, RegionsDecomposeIntoSoundConvexPolygons) {
       {"thin sliver", {{sliver}}},
       {"thin notched triangle", {{{{0, 0}, {100, 0}, {50, 0.001}, {0, 0.01}}}}},
       {"ship section", {{shapes::shipSection(300)}}},
+      // Straight down to the vertex below: one edge.
+      {"slit over a vertex", slit({{0, 0}, {5, 0}}), 2, 2},
+      // Over a deep V, whose point leaves angles of a few degrees: two edges
+      // to the corners at the V's mouth.
+      {"slit over a deep V", slit({{0, 0}, {5, -100}}), 3, 3},
+      // No vertex in the narrow cone: edges to points put on the bottom.
+      {"slit over a flat bottom", slit({{0, 0}})},
   };
   ASSERT_EQ(shapes::shipSection(300).size(), 300u);
   for (const Case& c : cases) {
@@ -104,84 +118,6 @@ TEST_F(MesherTest, RegionsDecomposeIntoSoundConvexPolygons) {
   EXPECT_EQ(output(), "");
 }
 
-// A corner of about 350 degrees at the tip (5, 5) of a slit from the top,
-// over different bottoms. A single edge must leave the tip between 170 and
-// 180 degrees from its first side.
-TEST_F(MesherTest, DeepCornersTakeOneEdgeOrTwo) {
-  const double mouth = 5.0 * std::tan(5.0 * Pi / 180.0);
-  auto slit = [&](std::vector<XY> bottom) {
-    const std::vector<XY> top = {{10, 0}, {10, 10},        {5 + mouth, 10},
-                                 {5, 5},  {5 - mouth, 10}, {0, 10}};
-    bottom.insert(bottom.end(), top.begin(), top.end());
-    const TestRegion region{{bottom}};
-    EXPECT_TRUE(testing::decomposeRegion(region));
-    EXPECT_TRUE(testing::checkDecomposition(meshData(), region));
-    return &meshData();
-  };
-  // Straight down to the vertex below leaves right angles: one edge.
-  const MeshData* m = slit({{0, 0}, {5, 0}});
-  EXPECT_EQ(m->NumPolygons, 2);
-  int inner = 0;
-  for (int h = 1; h <= m->NumHalfEdges; ++h) {
-    const int t = m->HalfEdge(h).Twin;
-    if (t == 0) continue;
-    ++inner;
-    const XY a = m->Vertices(m->HalfEdge(h).Vertex), b = m->Vertices(m->HalfEdge(t).Vertex);
-    EXPECT_TRUE((a == XY{5, 5} && b == XY{5, 0}) || (b == XY{5, 5} && a == XY{5, 0}));
-  }
-  EXPECT_EQ(inner, 2);
-
-  // Over a deep V, whose point (the one corner in the cone) leaves angles
-  // of a few degrees, two edges to the corners at the V's mouth leave 45
-  // degrees or more.
-  m = slit({{0, 0}, {5, -100}});
-  int atTip = 0;
-  for (int h = 1; h <= m->NumHalfEdges; ++h) {
-    if (!(m->Vertices(m->HalfEdge(h).Vertex) == XY{5, 5})) continue;
-    ++atTip;
-    EXPECT_GE(m->CornerAngle(h), 40.0 * Pi / 180.0 - 1e-12);
-  }
-  EXPECT_EQ(atTip, 3);
-  EXPECT_EQ(m->NumPolygons, 3);
-
-  // A flat bottom has no vertex in the narrow cone; the points put at even
-  // angles on it fall outside the cone too, and a pair of edges to two of
-  // them resolves the corner.
-  m = slit({{0, 0}});
-  for (int h = 1; h <= m->NumHalfEdges; ++h) {
-    if (m->Vertices(m->HalfEdge(h).Vertex) == XY{5, 5}) {
-      EXPECT_GE(m->CornerAngle(h), m->MinSeparatorAngle - 1e-12);
-    }
-  }
-}
-
-TEST_F(MesherTest, HoleBridgeGoesUpFromTheTopVertex) {
-  const TestRegion region{{shapes::rectangle(0, 0, 10, 10), shapes::rectangle(4, 4, 6, 6)}};
-  MeshData& m = meshData();
-  View1<int> holeList(m.IntAux.data(), 2);
-  build(m, region, holeList);
-  // Top: highest y, then highest x, so (6, 6), vertex 7; bottom (4, 4), vertex 5.
-  EXPECT_EQ(m.HalfEdge(holeList(1)).Vertex, 7);
-  EXPECT_EQ(m.HalfEdge(holeList(2)).Vertex, 5);
-  bool status = true;
-  JNHBOB(m, holeList(1), View1<int>(m.IntAux).from(3), View1<double>(m.RealAux), status);
-  ASSERT_FALSE(status);
-  // One cycle now, through a doubled edge from (6, 6) to a point above it.
-  const int bridge = holeList(1);
-  const int up = m.HalfEdge(bridge).Twin;
-  ASSERT_GT(up, 0);
-  EXPECT_EQ(m.Vertices(m.HalfEdge(bridge).Vertex), (XY{6, 6}));
-  EXPECT_EQ(m.Vertices(m.HalfEdge(up).Vertex).y, 10.0);
-  int length = 0;
-  int h = m.PolygonFirst(1);
-  do {
-    ++length;
-    h = m.HalfEdge(h).Next;
-  } while (h != m.PolygonFirst(1) && length <= m.NumHalfEdges);
-  EXPECT_EQ(length, m.NumHalfEdges);
-  EXPECT_TRUE(testing::checkDecomposition(m, region, false));
-}
-
 // Tops sorted from the highest down (ties: the larger x first), bottoms from
 // the lowest up (ties: the smaller x first).
 TEST_F(MesherTest, IqhltbSortsTheHoleTopsAndBottoms) {
@@ -196,21 +132,6 @@ TEST_F(MesherTest, IqhltbSortsTheHoleTopsAndBottoms) {
   const XY expected[] = {{22, 20}, {12, 20}, {4, 10}, {2, 2}, {20, 2}, {10, 5}};
   for (int i = 1; i <= 6; ++i)
     EXPECT_EQ(m.Vertices(m.HalfEdge(holeList(i)).Vertex), expected[i - 1]) << i;
-  // Each hole is walked against its stored order, so the region is on the
-  // left: the hole loops run clockwise.
-  for (int k = 1; k <= 3; ++k) {
-    const int first = m.PolygonFirst(1 + k);
-    double twice = 0.0;
-    int h = first;
-    do {
-      const XY a = m.Vertices(m.HalfEdge(h).Vertex);
-      const XY b = m.Vertices(m.HalfEdge(m.HalfEdge(h).Next).Vertex);
-      twice += a.x * b.y - b.x * a.y;
-      EXPECT_NEAR(m.CornerAngle(h), 1.5 * Pi, 1e-15);  // the region wraps each corner
-      h = m.HalfEdge(h).Next;
-    } while (h != first);
-    EXPECT_LT(twice, 0.0);
-  }
 }
 
 TEST_F(MesherTest, BadHolesAndFullStorageAreReported) {

@@ -23,15 +23,12 @@ class QualityTest : public MeshTest {
     for (std::size_t t = 0; t < tris.size(); ++t) {
       for (int j = 1; j <= 3; ++j) triangles()(static_cast<int>(t) + 1)(j) = tris[t][j - 1];
     }
-    numVertices_ = static_cast<int>(points.size());
     numTriangles_ = static_cast<int>(tris.size());
   }
 
   View1<const Triangle> meshTriangles() {
     return View1<const Triangle>(triangles().data(), numTriangles_);
   }
-
-  int numVertices_ = 0;
 };
 
 TEST_F(QualityTest, QualityOfHandComputedTriangles) {
@@ -74,38 +71,6 @@ TEST_F(QualityTest, QualityOfHandComputedTriangles) {
   EXPECT_EQ(mean, -3.0);
   EXPECT_EQ(deviation, -4.0);
   EXPECT_EQ(quality()(1), 42.0);
-}
-
-TEST_F(QualityTest, InteriorVerticesMoveToTheMeanOfTheirNeighbours) {
-  // A fan of a hexagon from one corner: every vertex is on the boundary.
-  std::vector<XY> hexagon;
-  for (int k = 0; k < 6; ++k) {
-    hexagon.push_back({std::cos(k * mesher::Pi / 3), std::sin(k * mesher::Pi / 3)});
-  }
-  load(hexagon, {{1, 2, 3}, {1, 3, 4}, {1, 4, 5}, {1, 5, 6}});
-  int moves = -1;
-  bool status = false;
-  mesher::SMLPT2(numTriangles_, meshTriangles(), 0.001, 5000, vertices(), moves, status);
-  ASSERT_FALSE(status);
-  EXPECT_EQ(moves, 0);
-  for (int k = 0; k < 6; ++k) EXPECT_EQ(vertices()(k + 1), hexagon[static_cast<std::size_t>(k)]);
-
-  // A square split into four triangles round an inner vertex put off
-  // centre: one move takes it to the centre, the next sweep finds nothing.
-  load({{0, 0}, {2, 0}, {2, 2}, {0, 2}, {0.3, 1.6}}, {{1, 2, 5}, {2, 3, 5}, {3, 4, 5}, {4, 1, 5}});
-  mesher::SMLPT2(numTriangles_, meshTriangles(), 0.001, 5000, vertices(), moves, status);
-  ASSERT_FALSE(status);
-  EXPECT_EQ(moves, 1);
-  EXPECT_NEAR(vertices()(5).x, 1.0, 1e-15);
-  EXPECT_NEAR(vertices()(5).y, 1.0, 1e-15);
-  EXPECT_EQ(vertices()(1), (XY{0, 0}));
-
-  // With a limit of one move the first move is not made.
-  vertices()(5) = XY{0.3, 1.6};
-  mesher::SMLPT2(numTriangles_, meshTriangles(), 0.001, 1, vertices(), moves, status);
-  ASSERT_FALSE(status);
-  EXPECT_EQ(moves, 1);
-  EXPECT_EQ(vertices()(5), (XY{0.3, 1.6}));
 }
 
 TEST_F(QualityTest, SmoothedMeshKeepsItsBoundaryAndSettles) {
@@ -168,43 +133,6 @@ TEST_F(QualityTest, SmoothedMeshKeepsItsBoundaryAndSettles) {
     EXPECT_LT(std::hypot(x - p.x, y - p.y), 2.0 * tolerance) << "vertex " << v;
   }
   EXPECT_GT(interior, 100);
-}
-
-TEST_F(QualityTest, TooManyTrianglesForTheTopology) {
-  // A 100 x 50 grid of squares, each cut in two, and one more triangle
-  // below the first square: 10001 triangles.
-  std::vector<XY> points;
-  for (int j = 0; j <= 50; ++j) {
-    for (int i = 0; i <= 100; ++i)
-      points.push_back({static_cast<double>(i), static_cast<double>(j)});
-  }
-  points.push_back({0.5, -1.0});
-  auto id = [](int i, int j) { return j * 101 + i + 1; };
-  std::vector<std::array<int, 3>> grid;
-  for (int j = 0; j < 50; ++j) {
-    for (int i = 0; i < 100; ++i) {
-      grid.push_back({id(i, j), id(i + 1, j), id(i + 1, j + 1)});
-      grid.push_back({id(i, j), id(i + 1, j + 1), id(i, j + 1)});
-    }
-  }
-  grid.push_back({id(0, 0), static_cast<int>(points.size()), id(1, 0)});
-  ASSERT_EQ(grid.size(), 10001u);
-  load(points, grid);
-  const TestRegion shape{{{{0, 0}, {0.5, -1}, {1, 0}, {100, 0}, {100, 50}, {0, 50}}}};
-  EXPECT_TRUE(checkTriangles(shape, View1<const XY>(vertices().data(), numVertices_), numTriangles_,
-                             meshTriangles()));
-  int moves = 0;
-  bool status = false;
-  mesher::SMLPT2(numTriangles_, meshTriangles(), 0.001, 5000, vertices(), moves, status);
-  expectFailure(status,
-                "(SMLPT2) Max number of mesh triangles exceedes allocated number of "
-                "topology faces!");
-
-  // Without the last triangle the faces fit, but a grid this large has
-  // 15050 edges, more than the tables hold.
-  numTriangles_ = 10000;
-  mesher::SMLPT2(numTriangles_, meshTriangles(), 0.001, 5000, vertices(), moves, status);
-  expectFailure(status, "(ISFACE) Max number of edges exceeded!");
 }
 
 TEST_F(QualityTest, ListedVertexWithoutNeighboursIsAnError) {
