@@ -113,12 +113,6 @@ TEST_F(DriverTest, RegionsMeshProperly) {
     bool smooth;
   };
   const Case cases[] = {
-      {"square", {{shapes::rectangle(0, 0, 10, 10)}}, 200, false},
-      {"disc with three holes",
-       {{shapes::circle(0, 0, 10, 72), shapes::circle(-4, 2, 2, 20), shapes::circle(4, 2, 2, 20),
-         shapes::circle(0, -5, 2.5, 30)}},
-       1000,
-       false},
       {"ship section", {{shapes::shipSection(300)}}, 2000, false},
       {"smoothed L", {{shapes::lShape(10, 10, 4)}}, 300, true},
       {"smoothed star with a hole",

@@ -74,21 +74,6 @@ TEST_F(MesherTest, IqpldrFindsTheDirection) {
   expectFailure(status, "(IQPLDR) Max internal number of polygon points exceeded!");
 }
 
-TEST(Iqptin, TellsInsideFromOutside) {
-  PolygonSet set({shapes::comb(5)});
-  auto in = [&](double x, double y) {
-    return IQPTIN(x, y, set.sizes[0], set.list(1), set.vertices());
-  };
-  EXPECT_TRUE(in(0.5, 0.5));   // in the bar
-  EXPECT_TRUE(in(0.5, 4.0));   // in the first tooth
-  EXPECT_FALSE(in(1.5, 4.0));  // in the first gap
-  EXPECT_FALSE(in(-1.0, 0.5));
-  EXPECT_FALSE(in(20.0, 20.0));
-  // A corner of the polygon itself: its two edges add nothing, the others
-  // see it under half a turn, which is not more than pi.
-  EXPECT_FALSE(in(0.0, 0.0));
-}
-
 TEST_F(MesherTest, Sortp2GroupsExteriorsWithTheirHoles) {
   using Groups = std::vector<std::vector<int>>;
   struct Case {

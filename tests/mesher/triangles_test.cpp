@@ -9,7 +9,6 @@
 #include <set>
 #include <vector>
 
-#include "mesher/convex.h"
 #include "mesher/strip.h"
 #include "support/mesh_fixture.h"
 

@@ -1,5 +1,5 @@
 // The visibility scan against a direct test of every sight line, and the
-// steps after it: angular candidates, Voronoi neighbours, separators.
+// Voronoi neighbours among the candidates it leaves.
 #include "mesher/visibility.h"
 
 #include <gtest/gtest.h>
@@ -149,28 +149,16 @@ TEST_F(MesherTest, IqvspgMatchesSightLines) {
   EXPECT_GT(scans, 1000);
 }
 
-// Points on a circle around R, all equally near: every one borders R's
-// Voronoi cell. A point far behind two near ones does not.
+// Two near points at 60 and 120 degrees around R = (0, 0), and one ten
+// times as far at 90 between them: its Voronoi cell does not border R's.
+// (How the candidates are spaced and thinned shows in the separator angles
+// of every decomposition.)
 TEST_F(MesherTest, MkvonbKeepsTheVoronoiNeighbours) {
-  std::vector<double> x, y;
-  for (int i = 0; i <= 6; ++i) {
-    x.push_back(std::cos(i * Pi / 6));
-    y.push_back(std::sin(i * Pi / 6));
-  }
-  std::vector<int> stack(7);
-  std::vector<double> cx(7), cy(7);
+  std::vector<double> x = {1, 0.5, 0, -0.5, -1}, y = {0, std::sqrt(0.75), 10, std::sqrt(0.75), 0};
+  std::vector<int> stack(5);
+  std::vector<double> cx(5), cy(5);
   int top = -2;
   bool status = true;
-  MKVONB(0, 0, 6, View0<const double>(x.data(), 7), View0<const double>(y.data(), 7), top,
-         View0<int>(stack.data(), 7), View0<double>(cx.data(), 7), View0<double>(cy.data(), 7),
-         status);
-  ASSERT_FALSE(status);
-  ASSERT_EQ(top, 6);
-  for (int i = 0; i <= 6; ++i) EXPECT_EQ(stack[i], i);
-
-  // Two near points at 60 and 120 degrees, and one ten times as far at 90.
-  x = {1, 0.5, 0, -0.5, -1};
-  y = {0, std::sqrt(0.75), 10, std::sqrt(0.75), 0};
   MKVONB(0, 0, 4, View0<const double>(x.data(), 5), View0<const double>(y.data(), 5), top,
          View0<int>(stack.data(), 5), View0<double>(cx.data(), 5), View0<double>(cy.data(), 5),
          status);
@@ -185,60 +173,6 @@ TEST_F(MesherTest, MkvonbKeepsTheVoronoiNeighbours) {
          View0<int>(stack.data(), 2), View0<double>(cx.data(), 2), View0<double>(cy.data(), 2),
          status);
   expectFailure(status, "(MKVONB) Encountered parallel edges when intersecting!");
-}
-
-// The candidates around R = (0, 0) from a chain of points, in room for 12.
-struct Candidates {
-  std::vector<double> x = std::vector<double>(12), y = std::vector<double>(12),
-                      theta = std::vector<double>(12);
-  std::vector<int> label = std::vector<int>(12);
-  int count = 0;
-  bool status = true;
-
-  explicit Candidates(const std::vector<XY>& chain) {
-    for (std::size_t i = 0; i < chain.size(); ++i) {
-      x[i] = chain[i].x;
-      y[i] = chain[i].y;
-      label[i] = static_cast<int>(i);
-    }
-    MKVSAN(0, 0, 30 * Pi / 180, static_cast<int>(chain.size()) - 1, View0<double>(x.data(), 12),
-           View0<double>(y.data(), 12), View0<int>(label.data(), 12), 11, count,
-           View0<double>(theta.data(), 12), status);
-  }
-};
-
-TEST_F(MesherTest, MkvsanSpacesAndThinsTheCandidates) {
-  // The chain (10, 0), (10, 10), (-10, 10) turns 45 degrees on its first
-  // edge and 90 on its second. An edge of at least twice the 30-degree
-  // spacing gets points at even steps: 90 degrees makes 3 parts of 30, so 2
-  // points, labelled as lying inside the edge that ends at chain point 2.
-  const Candidates wide({{10, 0}, {10, 10}, {-10, 10}});
-  ASSERT_FALSE(wide.status);
-  ASSERT_EQ(wide.count, 4);
-  EXPECT_EQ(wide.label[0], 0);
-  EXPECT_EQ(wide.theta[0], 0.0);
-  EXPECT_EQ(wide.label[1], 1);
-  EXPECT_NEAR(wide.theta[1], Pi / 4, 1e-15);
-  for (std::size_t i = 2; i <= 3; ++i) {
-    EXPECT_EQ(wide.label[i], -2);
-    EXPECT_NEAR(wide.theta[i], (45.0 + 30.0 * static_cast<double>(i - 1)) * Pi / 180, 1e-12);
-    EXPECT_NEAR(wide.y[i], 10.0, 1e-12);  // on the edge
-    EXPECT_NEAR(std::atan2(wide.y[i], wide.x[i]), wide.theta[i], 1e-12);
-  }
-  EXPECT_EQ(wide.label[4], 2);
-  EXPECT_NEAR(wide.theta[4], 0.75 * Pi, 1e-15);
-
-  // Points on one ray from R keep only the nearest; a first point with the
-  // next one on its ray goes: (4, 0), (2, 0) on the first ray; (1, 1), then
-  // (3, 3) behind it.
-  const Candidates thin({{4, 0}, {2, 0}, {1, 1}, {3, 3}, {0, 2}});
-  ASSERT_FALSE(thin.status);
-  ASSERT_EQ(thin.count, 2);
-  EXPECT_EQ(thin.label[0], 1);  // (4, 0) dropped for (2, 0)
-  EXPECT_EQ(thin.label[1], 2);  // (1, 1) kept, (3, 3) behind it dropped
-  EXPECT_EQ(thin.label[2], 4);
-  EXPECT_NEAR(thin.theta[1], Pi / 4, 1e-15);
-  EXPECT_NEAR(thin.theta[2], Pi / 2, 1e-15);
 }
 
 }  // namespace
