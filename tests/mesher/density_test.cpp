@@ -152,7 +152,6 @@ TEST_F(DensityTest, ShortEdgeSplitsThePolygonTowardsFinerSizes) {
   ASSERT_FALSE(status);
   EXPECT_EQ(m().NumPolygons, 1);
   EXPECT_NEAR(m().PolygonDensity(1), 1.0 / m().PolygonArea(1), 1e-15);
-  EXPECT_EQ(mesher::DSFUNC(3.0, -7.0), 1.0);
 }
 
 TEST_F(DensityTest, GradingLiftsNeighboursToAQuarter) {
