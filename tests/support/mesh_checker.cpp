@@ -60,6 +60,29 @@ double angleGap(double a, double b) {
   return std::min(d, 2.0 * Pi - d);
 }
 
+// Area of a region: polygons inside an even number of others add, the rest
+// subtract.
+double regionArea(const TestRegion& region) {
+  double area = 0.0;
+  for (std::size_t k = 0; k < region.polygons.size(); ++k) {
+    const double a = std::fabs(signedArea(region.polygons[k]));
+    area += depth(region, region.polygons[k][0], k) % 2 == 0 ? a : -a;
+  }
+  return area;
+}
+
+// Length of all boundary polygons of a region.
+double boundaryLength(const TestRegion& region) {
+  double length = 0.0;
+  for (const auto& polygon : region.polygons) {
+    for (std::size_t i = 0; i < polygon.size(); ++i) {
+      const XY a = polygon[i], b = polygon[(i + 1) % polygon.size()];
+      length += std::hypot(b.x - a.x, b.y - a.y);
+    }
+  }
+  return length;
+}
+
 }  // namespace
 
 double cross(const XY& o, const XY& a, const XY& b) {
@@ -98,26 +121,6 @@ double signedArea(const std::vector<XY>& polygon) {
     twice += a.x * b.y - b.x * a.y;
   }
   return 0.5 * twice;
-}
-
-double regionArea(const TestRegion& region) {
-  double area = 0.0;
-  for (std::size_t k = 0; k < region.polygons.size(); ++k) {
-    const double a = std::fabs(signedArea(region.polygons[k]));
-    area += depth(region, region.polygons[k][0], k) % 2 == 0 ? a : -a;
-  }
-  return area;
-}
-
-double boundaryLength(const TestRegion& region) {
-  double length = 0.0;
-  for (const auto& polygon : region.polygons) {
-    for (std::size_t i = 0; i < polygon.size(); ++i) {
-      const XY a = polygon[i], b = polygon[(i + 1) % polygon.size()];
-      length += std::hypot(b.x - a.x, b.y - a.y);
-    }
-  }
-  return length;
 }
 
 int layOut(const TestRegion& region, View1<XY> vertices, View1<int> sizes) {

@@ -28,14 +28,8 @@ double cross(const XY& o, const XY& a, const XY& b);
 bool properlyCross(const XY& a, const XY& b, const XY& c, const XY& d);
 double distanceToSegment(const XY& p, const XY& a, const XY& b);
 bool insidePolygon(const XY& p, const std::vector<XY>& polygon);
-
 // Signed area of a closed polygon (positive when counterclockwise).
 double signedArea(const std::vector<XY>& polygon);
-// Area of a region: polygons inside an even number of others add, the rest
-// subtract.
-double regionArea(const TestRegion& region);
-// Length of all boundary polygons of a region.
-double boundaryLength(const TestRegion& region);
 
 // Lay the region's polygons one after another into `vertices` (from
 // element 1) and their sizes into `sizes`; the count of holes is returned.
