@@ -43,7 +43,8 @@ TEST_F(MesherTest, RegionsDecomposeIntoSoundConvexPolygons) {
   // over different bottoms.
   const double mouth = 5.0 * std::tan(5.0 * Pi / 180.0);
   auto slit = [&](shapes::Polygon bottom) {
-    bottom.insert(bottom.end(), {{10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5}, {5 - mouth, 10}, {0, 10}});
+    bottom.insert(bottom.end(),
+                  {{10, 0}, {10, 10}, {5 + mouth, 10}, {5, 5}, {5 - mouth, 10}, {0, 10}});
     return TestRegion{{bottom}};
   };
   struct Case {

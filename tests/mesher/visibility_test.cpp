@@ -123,13 +123,6 @@ void expectScanMatchesSightLines(const shapes::Polygon& poly, const std::string&
 }
 
 TEST_F(MesherTest, IqvspgMatchesSightLines) {
-  // From the bottom right corner of the first gap of a comb: the two teeth
-  // beside it hide most of the comb.
-  const shapes::Polygon comb = shapes::comb(6);
-  const auto corner = std::find(comb.begin(), comb.end(), XY{1.0, 1.0});
-  ASSERT_NE(corner, comb.end());
-  expectScanMatchesSightLines(from(comb, static_cast<int>(corner - comb.begin())), "comb");
-
   // From every reflex corner of random polygons.
   std::mt19937 random(4242);
   int scans = 0;
