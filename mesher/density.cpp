@@ -9,12 +9,9 @@
 
 namespace kntr::mesher {
 
-namespace {
+using framework::fail;
 
-void fail(std::string_view message, bool& status) {
-  framework::ERRSCN(message);
-  status = true;
-}
+namespace {
 
 // Number of half-edges in the cycle of polygon p; the walk gives up after
 // all half-edges of the structure, so a broken cycle cannot hang it.
