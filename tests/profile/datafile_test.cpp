@@ -171,19 +171,6 @@ TEST_F(DataFile, FullProfileRoundTripIsBitIdenticalAndAnInterruptedSaveKeepsTheF
   EXPECT_EQ(listing().size(), 2u);  // no temporary left behind
 }
 
-TEST_F(DataFile, ReferenceFilesLoadAndSaveToTheSameRecords) {
-  for (const char* bench : {"square.kntr", "square-hole.kntr", "spline-lens.kntr"}) {
-    SCOPED_TRACE(bench);
-    const std::string source = std::string(KNTR_SOURCE_DIR) + "/data/bench/" + bench;
-    resetProfileBlock();
-    ASSERT_TRUE(read(source)) << output();
-    save(path(bench));
-    const std::vector<std::string> original = readLines(source), saved = readLines(path(bench));
-    ASSERT_EQ(original.size(), saved.size());
-    for (std::size_t i = 12; i < original.size(); ++i) EXPECT_EQ(saved[i], original[i]) << i + 1;
-  }
-}
-
 TEST_F(DataFile, VersionsOtherThanThreeAreRefused) {
   const std::string body = "1 0.01 0\n0 1 0 1\n0 0\n";
   EXPECT_FALSE(load(body, 2));
@@ -297,16 +284,6 @@ TEST_F(DataFile, FreeFormVariants) {
   EXPECT_EQ(p.PRPNTS(2, 3), (A2{{7, 8}}));
   EXPECT_EQ(p.PRPTYP(2, 3), ContinuousCurvature);
   EXPECT_EQ(p.PRKWGT(2, 3), 0.0);
-}
-
-TEST_F(DataFile, MissingFileIsNoFailureAndOnlyTheLoudReadSaysSo) {
-  for (const bool quiet : {true, false}) {
-    bool loaded = true, status = true;
-    GTKNTR(path("none.KNT"), quiet, loaded, status);
-    EXPECT_FALSE(status);
-    EXPECT_FALSE(loaded);
-    EXPECT_EQ(said("\"" + path("none.KNT") + "\" is non-existent!"), !quiet);
-  }
 }
 
 }  // namespace

@@ -53,20 +53,6 @@ TEST_F(PointFairing, NormalModeMovesAcrossTheSolvedTangent) {
   EXPECT_NEAR(dx * t(1) + dy * t(2), 0.0, 1e-9);
 }
 
-TEST_F(PointFairing, SettingsComeFromTheProfileBlock) {
-  profile().FRLOCL = false;
-  profile().FRRSTR = true;
-  profile().FRRDST = 0.25;
-  profile().FRMITR = 7;
-  const FairSettings s = fairSettingsFromProfile(FairMode::GivenVector, XY{1, 2});
-  EXPECT_FALSE(s.local);
-  EXPECT_EQ(s.restraint, 0.25);
-  EXPECT_EQ(s.maxIterations, 7);
-  EXPECT_EQ(s.direction, (XY{1, 2}));
-  profile().FRRSTR = false;
-  EXPECT_EQ(fairSettingsFromProfile(FairMode::Free).restraint, -1.0);
-}
-
 TEST_F(PointFairing, RefusesPolylinesAndZeroDirections) {
   bool failed = false;
   type("\n");

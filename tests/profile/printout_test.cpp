@@ -106,26 +106,16 @@ TEST_F(Printout, GoldenSplineTable) {
   const std::vector<std::string> lines = table();
   EXPECT_EQ(lines, golden);
   for (std::size_t k = 2; k < lines.size(); ++k) EXPECT_EQ(lines[k].size(), 69u) << k;
-  // What only a terminal shows: the colours, the underlined title, and the
-  // corners and joints of the rules, all "+" in a file.
-  const std::string head = pointTableHead();
-  EXPECT_EQ(head.rfind("{yel{udlProfile offset point definition{udl{nwl{nwl{cya{ulc", 0), 0u);
-  EXPECT_NE(head.find("{nwl{vln{yelPoint {cya{vln{yel   X-coord  {cya{vln{yel   Y-coord  {cya{vln"
-                      "{yel   Knuckle  {cya{vln{yel     Point type      {cya{vln{nwl{vln"
-                      "{yelnumber{cya{vln{yel     [m]    {cya{vln{yel     [m]    {cya{vln"
-                      "{yel   weight   {cya{vln{yel                     {cya{vln{nwl{trg"),
-            npos);
+  // What only a terminal shows: the corners and joints of the rules, all
+  // "+" in a file.
   std::string joints;
-  for (const std::string& text : {head, pointTableFoot()}) {
+  for (const std::string& text : {pointTableHead(), pointTableFoot()}) {
     for (std::size_t at = text.find('{'); at != npos; at = text.find('{', at + 1)) {
       const std::string token = text.substr(at, 4);
       if (std::string("{ulc{urc{llc{lrc{tdn{tup{trg{tlf{crs").find(token) != npos) joints += token;
     }
   }
   EXPECT_EQ(joints, "{ulc{tdn{tdn{tdn{tdn{urc{trg{crs{crs{crs{crs{tlf{llc{tup{tup{tup{tup{lrc");
-  EXPECT_EQ(pointTableRow(1, 1),
-            "{cya{vln {gre   1 {cya{vln {gre 0.000E+00 {cya{vln {gre 0.000E+00 {cya{vln"
-            " {gre 5.000E-01 {cya{vln{gre Knuckle             {cya{vln");
 }
 
 TEST_F(Printout, PolylineRowsFollowTheFirstCurvesCount) {
