@@ -74,38 +74,6 @@ class DensityTest : public MeshTest {
   void shortEdgePolygon() { polygon({{0, 0}, {10, 0}, {10, 10}, {0.3, 10}, {0, 9.7}}); }
 };
 
-TEST_F(DensityTest, LocalSizesAndSources) {
-  shortEdgePolygon();
-  DensityLists l = lists();
-  // (The sizes of the edges and vertices show in the density they make,
-  // below.)
-  // Edges shorter than the width are sources, the short one and the two
-  // that end at it; its end vertices are not, since neither is smaller
-  // than both of its edges. The last edge is one, so the list wraps.
-  mesher::IQCPSP(1, l.PolygonWidth2(1), l);
-  ASSERT_EQ(l.NumSources, 3);
-  EXPECT_EQ(l.Sources(1), 3);
-  EXPECT_EQ(l.Sources(2), 4);
-  EXPECT_EQ(l.Sources(3), 5);
-  EXPECT_EQ(l.SourceWrap, 1);
-
-  // The same shape from another start: its last edge is not a source.
-  polygon({{10, 0}, {10, 10}, {0.3, 10}, {0, 9.7}, {0, 0}});
-  l = lists();
-  mesher::IQCPSP(1, l.PolygonWidth2(1), l);
-  ASSERT_EQ(l.NumSources, 3);
-  EXPECT_EQ(l.Sources(1), 2);
-  EXPECT_EQ(l.Sources(3), 4);
-  EXPECT_EQ(l.SourceWrap, 0);
-
-  // A vertex is a source when its size is below both its edges', which a
-  // neighbour's narrow width can cause: here by hand.
-  l.VertexSize2(1) = 1.0;
-  mesher::IQCPSP(1, l.PolygonWidth2(1), l);
-  ASSERT_EQ(l.NumSources, 4);
-  EXPECT_EQ(l.Sources(1), -1);
-}
-
 TEST_F(DensityTest, ShortEdgeSplitsThePolygonTowardsFinerSizes) {
   shortEdgePolygon();
   bool status = false;
@@ -211,7 +179,10 @@ double segment2(double px, double py, double ax, double ay, double bx, double by
 TEST_F(DensityTest, DensityFollowsTheEdgeSources) {
   // Size at a point: the least over the sources of the larger of a quarter
   // of the squared distance to the edge and the edge's own size, and never
-  // above the polygon's width.
+  // above the polygon's width. The sources are the edges shorter than the
+  // width, the short one and the two that end at it, the last of them
+  // wrapping round to the first vertex; the short edge's end vertices are
+  // not, since neither is smaller than both of its edges.
   shortEdgePolygon();
   DensityLists l = lists();
   mesher::IQCPSP(1, l.PolygonWidth2(1), l);
@@ -240,6 +211,13 @@ TEST_F(DensityTest, DensityFollowsTheEdgeSources) {
     EXPECT_NEAR(means[k], expected, 1e-12 * expected) << "fan triangle " << i;
   }
   EXPECT_GT(means[0], 2.0 * means[1]);
+
+  // A vertex is a source when its size is below both its edges', which a
+  // neighbour's narrow width can cause: here by hand.
+  l.VertexSize2(1) = 1.0;
+  mesher::IQCPSP(1, l.PolygonWidth2(1), l);
+  ASSERT_EQ(l.NumSources, 4);
+  EXPECT_EQ(l.Sources(1), -1);
 }
 
 TEST_F(DensityTest, TooLittleRoomIsReported) {
