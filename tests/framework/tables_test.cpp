@@ -81,6 +81,10 @@ TEST_F(Table, PagesForwardBackAndByNumberOnTheScreen) {
   EXPECT_FALSE(inputLeft());
   // Page 1, page 2 refused under it, then page 3 on its own.
   EXPECT_EQ(run("3\n\n", 40, 40), rows({{1, 17}, {18, 34}, {35, 40}}));
+  // A word is no page: the question comes again.
+  EXPECT_EQ(run("x\n\n\n", 30, 30), rows({{1, 17}, {18, 30}}));
+  EXPECT_TRUE(Contains(output(), "Input must be either +, -, NNN, +NNN, -NNN or <R> to quit ?"));
+  EXPECT_FALSE(inputLeft());
 }
 
 TEST_F(Table, PrintedPageByPageUnderThePageHeads) {
