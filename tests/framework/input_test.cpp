@@ -234,15 +234,6 @@ TEST_F(SpecialCommands, AreNoAnswerAndTheWordIsUpperCased) {
   EXPECT_EQ(loads, 1);  // only the enabled ones reached the module
   EXPECT_EQ(projects, 1);
 
-  script("#Time\n\n");
-  bool status = true;
-  RDLINE(1, answer, status);
-  EXPECT_TRUE(answer.special);
-  const std::string shown = output();
-  const std::size_t at = shown.find("Time: ");
-  ASSERT_NE(at, std::string::npos);
-  EXPECT_EQ(shown[at + 8], ':');
-  EXPECT_EQ(shown[at + 11], ':');
 }
 
 int endCode = 0;
