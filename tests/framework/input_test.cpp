@@ -233,7 +233,6 @@ TEST_F(SpecialCommands, AreNoAnswerAndTheWordIsUpperCased) {
   }
   EXPECT_EQ(loads, 1);  // only the enabled ones reached the module
   EXPECT_EQ(projects, 1);
-
 }
 
 int endCode = 0;
