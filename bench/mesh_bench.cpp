@@ -7,9 +7,8 @@
 
 #include "mesher/driver.h"
 #include "mesher/structure.h"
-#include "platform/console.h"
 #include "profile/block.h"
-#include "profile/datafile.h"
+#include "reference_profile.h"
 
 namespace {
 
@@ -17,27 +16,9 @@ using kntr::XY;
 namespace mesher = kntr::mesher;
 namespace profile = kntr::profile;
 
-// Loads a reference profile into the profile block.
-bool loadProfile(const std::string& name) {
-  // The module's notices go to a memory screen, emptied as the runs go.
-  kntr::platform::testconsole::attach("");
-  profile::resetProfileBlock();
-  bool loaded = false, status = false;
-  profile::GTKNTR(std::string(KNTR_SOURCE_DIR) + "/data/bench/" + name, true, loaded, status);
-  return loaded && !status;
-}
-
-// The mesh arrays of one run.
-struct Result {
-  kntr::Array1<XY, mesher::ResultVertices> vertices;
-  kntr::Array1<mesher::Triangle, mesher::ResultTriangles> triangles;
-  kntr::Array1<double, mesher::ResultTriangles> quality;
-};
-
-Result& result() {
-  static Result r;
-  return r;
-}
+using kntr::bench::loadProfile;
+using kntr::bench::Result;
+using kntr::bench::result;
 
 // The whole mesher on a reference profile: curves to polylines, regions,
 // decomposition, density, triangles and the quality of each triangle.

@@ -86,6 +86,10 @@ void tickBackupClock() {
 }
 
 void PRHELP(std::string_view help) {
+  if (blank(help)) {
+    NOHELP();
+    return;
+  }
   PUTSCN("{csb" + std::string(fmt::trimmed(help)));
   WTRETN();
 }
@@ -187,10 +191,7 @@ void TXMENU(std::string_view title, std::span<const std::string> items, int defl
       return;
     }
     if (answer.help) {
-      if (blank(help))
-        NOHELP();
-      else
-        PRHELP(help);
+      PRHELP(help);
       continue;
     }
     if (answer.deflt) {
@@ -232,10 +233,7 @@ void ASKQST(std::string_view question, std::string_view deflt, std::string_view 
     bool error = false;
     RDPROM(expected, answer, error);
     if (answer.help) {
-      if (blank(help))
-        NOHELP();
-      else
-        PRHELP(help);
+      PRHELP(help);
       continue;
     }
     if (!error && answer.deflt && !hasDefault) {

@@ -45,7 +45,8 @@ void TXMENU(std::string_view title, std::span<const std::string> items, int defl
 void ASKQST(std::string_view question, std::string_view deflt, std::string_view help, int expected,
             bool& abort, bool& status);
 
-// PRHELP: show a help text on a clear screen and wait for RETURN.
+// PRHELP: show a help text on a clear screen and wait for RETURN; a blank
+// text gets "No help available".
 void PRHELP(std::string_view help);
 
 // OKLOAD: the load confirmation; `graphic` asks in the graphics window.

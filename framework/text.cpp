@@ -188,6 +188,11 @@ void ERRSCN(std::string_view text) {
   WTRETN();
 }
 
+void fail(std::string_view text, bool& status) {
+  ERRSCN(text);
+  status = true;
+}
+
 void PRMESG(std::string_view text) {
   if (program().outputDevice == DeviceGraphics && graphicsTextHooks().messageBox) {
     graphicsTextHooks().messageBox(text);

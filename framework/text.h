@@ -51,6 +51,9 @@ void PUTSCN(std::string_view text);
 // ERRSCN: show an error (bell, clear, red) and wait for RETURN.
 void ERRSCN(std::string_view text);
 
+// How a routine fails: the error is shown (ERRSCN), then `status` is set.
+void fail(std::string_view text, bool& status);
+
 // PRMESG: show a message (clear, green) and wait for RETURN.
 void PRMESG(std::string_view text);
 
@@ -107,7 +110,7 @@ struct PrinterHooks {
   // Lines left on the printer's page and the page length.
   int (*linesLeft)() = nullptr;
   int (*pageLength)() = nullptr;
-  void (*newPage)() = nullptr;           // page head of a new page
+  void (*newPage)() = nullptr;  // page head of a new page
   // One formatted text; like OUTSCN it ends with a line end, so a text
   // adds CNTLIN(text) lines.
   void (*printText)(std::string_view) = nullptr;

@@ -9,12 +9,9 @@
 
 namespace kntr::mesher {
 
-namespace {
+using framework::fail;
 
-void fail(std::string_view message, bool& status) {
-  framework::ERRSCN(message);
-  status = true;
-}
+namespace {
 
 // Number of half-edges in the cycle of polygon p; the walk gives up after
 // all half-edges of the structure, so a broken cycle cannot hang it.
@@ -67,6 +64,18 @@ double densityAt(const MeshData& m, const DensityLists& lists, double limit,
   return 1.0 / size2;
 }
 
+// Mean of the `count` vertices round polygon p.
+XY vertexMean(const MeshData& m, int p, int count) {
+  const auto& he = m.HalfEdge;
+  double cx = 0.0, cy = 0.0;
+  int h = m.PolygonFirst(p);
+  for (int k = 0; k < count; ++k, h = he(h).Next) {
+    cx += m.Vertices(he(h).Vertex).x;
+    cy += m.Vertices(he(h).Vertex).y;
+  }
+  return XY{cx / count, cy / count};
+}
+
 // Twice the area of fan triangle i (points i, i + 1 and the centre).
 double fanArea2(const SeparatorPoints& pts, int i) {
   return pts.x(i) * pts.y(i + 1) - pts.x(i + 1) * pts.y(i);
@@ -78,13 +87,7 @@ double fanArea2(const SeparatorPoints& pts, int i) {
 void buildSeparatorPoints(const MeshData& m, int p, double ray, double step, SeparatorPoints& pts) {
   const auto& he = m.HalfEdge;
   const int count = cycleLength(m, p);
-  double cx = 0.0, cy = 0.0;
-  int h = m.PolygonFirst(p);
-  for (int k = 0; k < count; ++k, h = he(h).Next) {
-    cx += m.Vertices(he(h).Vertex).x;
-    cy += m.Vertices(he(h).Vertex).y;
-  }
-  pts.centre = XY{cx / count, cy / count};
+  pts.centre = vertexMean(m, p, count);
 
   // Polar angles of the vertices, made to rise all the way round.
   const XY first = m.Vertices(he(m.PolygonFirst(p)).Vertex);
@@ -93,7 +96,7 @@ void buildSeparatorPoints(const MeshData& m, int p, double ray, double step, Sep
   int n = 0;
   int extra = 0;  // at most a full turn of extra points, whatever the rounding
   const int maxExtra = static_cast<int>(2.0 * Pi / step);
-  h = m.PolygonFirst(p);
+  int h = m.PolygonFirst(p);
   for (int k = 0; k < count; ++k, h = he(h).Next) {
     const XY v = m.Vertices(he(h).Vertex);
     const XY w = m.Vertices(he(he(h).Next).Vertex);
@@ -329,14 +332,8 @@ void SDCPMV(MeshData& m, DensityLists& lists, DensityFunction density, int desir
       // The vertices alone around their mean; no extra points are needed.
       const auto& he = m.HalfEdge;
       const int count = cycleLength(m, p);
-      double cx = 0.0, cy = 0.0;
+      pts.centre = vertexMean(m, p, count);
       int h = m.PolygonFirst(p);
-      for (int k = 0; k < count; ++k, h = he(h).Next) {
-        cx += m.Vertices(he(h).Vertex).x;
-        cy += m.Vertices(he(h).Vertex).y;
-      }
-      pts.centre = XY{cx / count, cy / count};
-      h = m.PolygonFirst(p);
       for (int k = 0; k < count; ++k, h = he(h).Next) {
         pts.x(k) = m.Vertices(he(h).Vertex).x - pts.centre.x;
         pts.y(k) = m.Vertices(he(h).Vertex).y - pts.centre.y;

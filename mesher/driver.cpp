@@ -20,12 +20,9 @@
 
 namespace kntr::mesher {
 
-namespace {
+using framework::fail;
 
-void fail(std::string_view text, bool& status) {
-  framework::ERRSCN(text);
-  status = true;
-}
+namespace {
 
 // A notice put together in fixed storage; its short number fields fit the
 // strings' own small buffers, so nothing is allocated.

@@ -9,14 +9,7 @@
 
 namespace kntr::mesher {
 
-namespace {
-
-void fail(std::string_view text, bool& status) {
-  framework::ERRSCN(text);
-  status = true;
-}
-
-}  // namespace
+using framework::fail;
 
 void JNHOLS(MeshData& m, int numHoles, View1<const int> holeList, View1<int> intAux,
             View1<double> realAux, bool& status) {

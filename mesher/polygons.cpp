@@ -8,12 +8,9 @@
 
 namespace kntr::mesher {
 
-namespace {
+using framework::fail;
 
-void fail(std::string_view text, bool& status) {
-  framework::ERRSCN(text);
-  status = true;
-}
+namespace {
 
 // Container lists of SORTP2: containers(i, k) is the k-th polygon found to
 // contain polygon i.

@@ -10,14 +10,7 @@
 
 namespace kntr::mesher {
 
-namespace {
-
-void fail(std::string_view text, bool& status) {
-  framework::ERRSCN(text);
-  status = true;
-}
-
-}  // namespace
+using framework::fail;
 
 void MKVSAN(double rx, double ry, double separatorAngle, int top, View0<double> x, View0<double> y,
             View0<int> label, int maxIndex, int& count, View0<double> theta, bool& status) {

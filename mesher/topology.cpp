@@ -5,6 +5,8 @@
 
 namespace kntr::mesher {
 
+using framework::fail;
+
 Topology& topology() {
   static Topology tables;
   return tables;
@@ -23,11 +25,6 @@ void clearTopology() {
 }
 
 namespace {
-
-void fail(std::string_view message, bool& status) {
-  framework::ERRSCN(message);
-  status = true;
-}
 
 int edgeKey(int edge, bool& status) {
   const Topology& t = topology();

@@ -10,12 +10,9 @@
 
 namespace kntr::mesher {
 
-namespace {
+using framework::fail;
 
-void fail(std::string_view message, bool& status) {
-  framework::ERRSCN(message);
-  status = true;
-}
+namespace {
 
 // True when a count of `quotient` items fits into `room`; never for a
 // quotient that is not a number.

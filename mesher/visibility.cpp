@@ -8,12 +8,9 @@
 
 namespace kntr::mesher {
 
-namespace {
+using framework::fail;
 
-void fail(std::string_view text, bool& status) {
-  framework::ERRSCN(text);
-  status = true;
-}
+namespace {
 
 double px(const VisibilityScan& v, int i) {
   return v.x(i);

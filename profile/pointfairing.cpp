@@ -11,14 +11,7 @@
 
 namespace kntr::profile {
 
-namespace {
-
-void fail(bool& failed, const char* text) {
-  framework::ERRSCN(text);
-  failed = true;
-}
-
-}  // namespace
+using framework::fail;
 
 FairSettings fairSettingsFromProfile(FairMode mode, XY direction) {
   const ProfileData& p = profile();
@@ -39,15 +32,15 @@ void fairCurvePoint(int curve, int point, const FairSettings& settings, FairOutc
   outcome.direction = XY{};
   const ProfileData& p = profile();
   if (p.PRFTYP != SplineProfile) {
-    fail(failed, "Points cannot be faired for a polyline profile!");
+    fail("Points cannot be faired for a polyline profile!", failed);
     return;
   }
   if (curve < 1 || curve > p.NPRCRV) {
-    fail(failed, "Illegal profile curve index!");
+    fail("Illegal profile curve index!", failed);
     return;
   }
   if (point < 1 || point > p.NPRPNT(curve)) {
-    fail(failed, "Point number exceeds available profile points!");
+    fail("Point number exceeds available profile points!", failed);
     return;
   }
   outcome.start = XY{p.PRPNTS(curve, point)(1), p.PRPNTS(curve, point)(2)};
@@ -68,7 +61,7 @@ void fairCurvePoint(int curve, int point, const FairSettings& settings, FairOutc
   XY direction{};
   if (settings.mode == FairMode::GivenVector) {
     if (settings.direction.x == 0.0 && settings.direction.y == 0.0) {
-      fail(failed, "Direction vector cannot have zero length!");
+      fail("Direction vector cannot have zero length!", failed);
       return;
     }
     direction = settings.direction;

@@ -10,14 +10,9 @@
 
 namespace kntr::spline {
 
+using framework::fail;
+
 namespace {
-
-using framework::ERRSCN;
-
-void fail(bool& failed, const char* text) {
-  ERRSCN(text);
-  failed = true;
-}
 
 double distance(const Triple& a, const Triple& b) {
   const double dx = b(1) - a(1), dy = b(2) - a(2), dz = b(3) - a(3);
@@ -92,7 +87,7 @@ void SBDVP3(double tolerance, int limit, const Bezier& polygon, int& count, View
   auto emit = [&](const Bezier& piece) {
     const int from = count == 0 ? 1 : 2;
     if (count + (4 - from + 1) > limit) {
-      fail(failed, "(SBDVP3) Max number of allocated polygon points exceeded!");
+      fail("(SBDVP3) Max number of allocated polygon points exceeded!", failed);
       return false;
     }
     for (int k = from; k <= 4; ++k) points(++count) = piece(k);
@@ -112,7 +107,7 @@ void SBDVP3(double tolerance, int limit, const Bezier& polygon, int& count, View
     while (length - chord >= tolerance) {
       ++depth;
       if (depth > MaxStackDepth) {
-        fail(failed, "(SBDVP3) Internal subdivision stack overflowed!");
+        fail("(SBDVP3) Internal subdivision stack overflowed!", failed);
         return;
       }
       HCSPL3(work, 0.5, left, right, failed);
@@ -123,7 +118,7 @@ void SBDVP3(double tolerance, int limit, const Bezier& polygon, int& count, View
     if (!emit(work)) return;
     if (depth == 0) return;
     if (depth < 0) {
-      fail(failed, "(SBDVP3) Internal subdivision stack underflowed!");
+      fail("(SBDVP3) Internal subdivision stack underflowed!", failed);
       return;
     }
     work = stack(depth);
@@ -138,7 +133,7 @@ void HCPIP3(int limit, int pointsPerSegment, const Triple& planePoint, const Tri
   failed = false;
   count = 0;
   if (pointsPerSegment > MaxPointsPerSegment) {
-    fail(failed, "(HCPIP3) Max number of subdivisions exceeded!");
+    fail("(HCPIP3) Max number of subdivisions exceeded!", failed);
     return;
   }
   const int n = rec.NOFFS;
@@ -149,11 +144,11 @@ void HCPIP3(int limit, int pointsPerSegment, const Triple& planePoint, const Tri
   }
   if (n < 1) return;
   if (returnSide < SideNone || returnSide > SideBoth) {
-    fail(failed, "(HCPIP3) Illegal return side specifier!");
+    fail("(HCPIP3) Illegal return side specifier!", failed);
     return;
   }
   if (returnSide != SideNone && !hasLength(planeNormal)) {
-    fail(failed, "(HCPIP3) Encountered zero length plane normal vector!");
+    fail("(HCPIP3) Encountered zero length plane normal vector!", failed);
     return;
   }
   static HermiteCurve curve;
@@ -175,7 +170,7 @@ void HCPIP3(int limit, int pointsPerSegment, const Triple& planePoint, const Tri
     for (int j = from; j <= to; ++j) {
       HCSPL3(polygon, t(j), left, right, failed);
       if (count >= limit) {
-        fail(failed, "(HCPIP3) Max allowed number of interpolation points exceeded!");
+        fail("(HCPIP3) Max allowed number of interpolation points exceeded!", failed);
         return false;
       }
       points(++count) = left(4);
@@ -209,11 +204,11 @@ void HCAIP3(int limit, double accuracy, const Triple& planePoint, const Triple& 
   }
   if (n < 1) return;
   if (returnSide < SideNone || returnSide > SideBoth) {
-    fail(failed, "(HCAIP3) Illegal return side specifier!");
+    fail("(HCAIP3) Illegal return side specifier!", failed);
     return;
   }
   if (returnSide != SideNone && !hasLength(planeNormal)) {
-    fail(failed, "(HCAIP3) Encountered zero length plane normal vector!");
+    fail("(HCAIP3) Encountered zero length plane normal vector!", failed);
     return;
   }
   static HermiteCurve curve;
@@ -241,7 +236,7 @@ void HCAIP3(int limit, double accuracy, const Triple& planePoint, const Triple& 
     }
     for (int k = from; k <= chainCount - dropLast; ++k) {
       if (count >= limit) {
-        fail(failed, limitMessage);
+        fail(limitMessage, failed);
         return false;
       }
       points(++count) = chain(k);

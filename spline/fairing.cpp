@@ -9,14 +9,9 @@
 
 namespace kntr::spline {
 
+using framework::fail;
+
 namespace {
-
-using framework::ERRSCN;
-
-void fail(bool& failed, const char* text) {
-  ERRSCN(text);
-  failed = true;
-}
 
 // Relative search tolerance of the one-dimensional minimisations.
 constexpr double SearchTolerance = 0.0001;
@@ -128,23 +123,24 @@ void HCFOP3(int pointIndex, int maxIterations, bool local, double restraint, dou
   if (indexValid) fairedPoint = rec.OFFPNT(pointIndex);
   if (n <= 2) return;
   if (!indexValid) {
-    fail(failed, n > MaxOffsetPoints ? "(HCFOP3) Max number of offset points exceeded!"
-                                     : "(HCFOP3) Illegal fair offset point index!");
+    fail(n > MaxOffsetPoints ? "(HCFOP3) Max number of offset points exceeded!"
+                             : "(HCFOP3) Illegal fair offset point index!",
+         failed);
     return;
   }
   const bool closed = rec.CLOSED;
   // The ends of an open curve stay unless moved along a direction.
   if (!closed && !directional && (pointIndex == 1 || pointIndex == n)) return;
   if (restraint > 0.0 && stopThreshold > restraint) {
-    fail(failed,
-         "(HCFOP3) Stop criterion threshold cannot exceed max allowed adjustment distance!");
+    fail("(HCFOP3) Stop criterion threshold cannot exceed max allowed adjustment distance!",
+         failed);
     return;
   }
   FairingState& state = fairingState();
   if (directional) {
     const double length = distance(Triple{}, direction);
     if (length == 0.0) {
-      fail(failed, "(HCFOP3) Found zero length direction vector!");
+      fail("(HCFOP3) Found zero length direction vector!", failed);
       return;
     }
     for (int k = 1; k <= 3; ++k) state.FAIRDR(k) = direction(k) / length;
@@ -152,7 +148,7 @@ void HCFOP3(int pointIndex, int maxIterations, bool local, double restraint, dou
   int side = SideNone;
   if (planeGiven) {
     if (distance(Triple{}, planeNormal) == 0.0) {
-      fail(failed, "(HCFOP3) Encountered zero length plane normal vector!");
+      fail("(HCFOP3) Encountered zero length plane normal vector!", failed);
       return;
     }
     side = SideGiven;
@@ -223,7 +219,7 @@ void FUNMIN(ScalarFunction function, double lower, double upper, double toleranc
             bool& failed) {
   failed = false;
   if (lower > upper) {
-    fail(failed, "(FUNMIN) Max search limit must be larger than min!");
+    fail("(FUNMIN) Max search limit must be larger than min!", failed);
     return;
   }
   if (lower == upper) {
@@ -231,7 +227,7 @@ void FUNMIN(ScalarFunction function, double lower, double upper, double toleranc
     return;
   }
   if (tolerance <= 0.0) {
-    fail(failed, "(FUNMIN) Tolerance must be positive!");
+    fail("(FUNMIN) Tolerance must be positive!", failed);
     return;
   }
   double a = lower, b = upper, c = 0.5 * (lower + upper);
@@ -387,7 +383,7 @@ void FMNBRN(ScalarFunction function, double a, double b, double c, double tolera
   }
   xmin = x;
   fmin = fx;
-  fail(failed, "(FMNBRN) Max number of iterations exceeded!");
+  fail("(FMNBRN) Max number of iterations exceeded!", failed);
 }
 
 }  // namespace kntr::spline

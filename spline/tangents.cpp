@@ -10,14 +10,9 @@
 
 namespace kntr::spline {
 
+using framework::fail;
+
 namespace {
-
-using framework::ERRSCN;
-
-void fail(bool& failed, const std::string& text) {
-  ERRSCN(text);
-  failed = true;
-}
 
 std::string message(const char* routine, const char* text) {
   return std::string("(") + routine + ") " + text;
@@ -95,11 +90,11 @@ bool isOneOf(int value, std::initializer_list<int> set) {
 
 bool rowCountOk(const char* routine, int rowLimit, int n, bool& failed) {
   if (n < 2) {
-    fail(failed, message(routine, "At least two offset points must be given!"));
+    fail(message(routine, "At least two offset points must be given!"), failed);
     return false;
   }
   if (n > std::min(rowLimit, MaxRows)) {
-    fail(failed, message(routine, "Max number of offset points exceeded!"));
+    fail(message(routine, "Max number of offset points exceeded!"), failed);
     return false;
   }
   return true;
@@ -154,7 +149,7 @@ void buildGiven(int rowLimit, int type, int n, View1<const Vec<D>> p, View1<cons
   failed = false;
   if (!rowCountOk(Family<D>::given, rowLimit, n, failed)) return;
   if (type != SplineStartGiven && type != SplineEndGiven && type != SplineBothGiven) {
-    fail(failed, message(Family<D>::given, "Illegal prescribed tangent indicator flag!"));
+    fail(message(Family<D>::given, "Illegal prescribed tangent indicator flag!"), failed);
     return;
   }
   if (type == SplineEndGiven) {
@@ -203,7 +198,7 @@ void buildPeriodic(int rowLimit, int n, View1<const Vec<D>> p, View1<const doubl
   const double closing = h(n - 1);
   const double q = closing / h(1);
   if (q == 0.0) {
-    fail(failed, message(routine, "First and second-last point coincide for a closed spline!"));
+    fail(message(routine, "First and second-last point coincide for a closed spline!"), failed);
     return;
   }
   // Row 1: continuity at the first point, whose neighbour before it is
@@ -218,7 +213,7 @@ void buildPeriodic(int rowLimit, int n, View1<const Vec<D>> p, View1<const doubl
   for (int i = 2; i <= n - 1; ++i) {
     const double h0 = h(i - 1), h1 = h(i);
     if (h0 * h1 == 0.0) {
-      fail(failed, message(routine, "Encountered illegal incremental knot vector!"));
+      fail(message(routine, "Encountered illegal incremental knot vector!"), failed);
       return;
     }
     // The point after row n-1 is the first point again.
@@ -278,13 +273,14 @@ void solveSegment(int type, int count, View1<const Vec<D>> p, View1<const double
       kind = "6";
       break;
     default:
-      fail(failed, message(Family<D>::leq, "Illegal/unknown spline segment type!"));
+      fail(message(Family<D>::leq, "Illegal/unknown spline segment type!"), failed);
       return;
   }
   if (failed) return;
   if (singular) {
-    fail(failed, std::string("(") + Family<D>::leq +
-                     ") Found singular coefficient matrix for type " + kind + " spline!");
+    fail(std::string("(") + Family<D>::leq + ") Found singular coefficient matrix for type " +
+             kind + " spline!",
+         failed);
     return;
   }
   for (int i = 1; i <= count; ++i)
@@ -361,7 +357,7 @@ void solveWorking(WorkingCurve<D>& w, bool& failed) {
       const Vec<D> v = leadPart<D>(w.tangents(i));
       const double length = norm<D>(v);
       if (length == 0.0) {
-        fail(failed, message(routine, "Found leading tangent vector having zero length!"));
+        fail(message(routine, "Found leading tangent vector having zero length!"), failed);
         return;
       }
       setLead<D>(w.tangents(i), scaled<D>(v, 1.0 / length));
@@ -370,7 +366,7 @@ void solveWorking(WorkingCurve<D>& w, bool& failed) {
       const Vec<D> v = trailPart<D>(w.tangents(i));
       const double length = norm<D>(v);
       if (length == 0.0) {
-        fail(failed, message(routine, "Found trailing tangent vector having zero length!"));
+        fail(message(routine, "Found trailing tangent vector having zero length!"), failed);
         return;
       }
       setTrail<D>(w.tangents(i), scaled<D>(v, 1.0 / length));
@@ -383,7 +379,7 @@ void solveWorking(WorkingCurve<D>& w, bool& failed) {
          View1<const double>(w.weights.data(), n), w.closed, table, deadlock, failed);
   if (failed) return;
   if (deadlock) {
-    fail(failed, message(routine, "Closed spline deadlock situation detected!"));
+    fail(message(routine, "Closed spline deadlock situation detected!"), failed);
     return;
   }
 
@@ -651,13 +647,13 @@ void solveThree(int limit, const Triple& planePoint, const Triple& planeNormal, 
   result.firstOnPlane = false;
   result.lastOnPlane = false;
   if (side < SideNone || side > SideBoth) {
-    fail(failed, "(HCMTN3) Illegal return side specifier!");
+    fail("(HCMTN3) Illegal return side specifier!", failed);
     return;
   }
   const int n = g.rec.NOFFS;
   if (n < 2) return;
   if (n > MaxOffsetPoints || n > limit) {
-    fail(failed, "(HCMTN3) Max number of offset points exceeded!");
+    fail("(HCMTN3) Max number of offset points exceeded!", failed);
     return;
   }
   const bool closed = g.rec.CLOSED;
@@ -669,7 +665,7 @@ void solveThree(int limit, const Triple& planePoint, const Triple& planeNormal, 
   if (side != SideNone && !closed) {
     const double length = norm<3>(planeNormal);
     if (length == 0.0) {
-      fail(failed, "(HCMTN3) Encountered zero length plane normal vector!");
+      fail("(HCMTN3) Encountered zero length plane normal vector!", failed);
       return;
     }
     N = scaled<3>(planeNormal, 1.0 / length);
@@ -795,7 +791,7 @@ void solveTwo(int limit, const Given<2>& g, bool& failed) {
   failed = false;
   const int n = g.rec.NOFFS;
   if (n > MaxOffsetPoints || n > limit) {
-    fail(failed, "(HCMTN2) Max number of offset points exceeded!");
+    fail("(HCMTN2) Max number of offset points exceeded!", failed);
     return;
   }
   WorkingCurve<2>& w = workingCurve<2>();
@@ -815,7 +811,7 @@ void HCTAN3(int limit, const Triple& planePoint, const Triple& planeNormal, int 
   const int n = rec.NOFFS;
   if (n < 2) return;
   if (n > MaxOffsetPoints || n > limit) {
-    fail(failed, "(HCTAN3) Max number of offset points exceeded!");
+    fail("(HCTAN3) Max number of offset points exceeded!", failed);
     return;
   }
   static Array1<int, MaxOffsetPoints> types;
@@ -879,7 +875,7 @@ void MKCCSL(int segmentLimit, int pointLimit, int n, View1<const int> types,
   IQDLCK(n, types, weights, closed, deadlock, failed);
   if (failed || deadlock || n < 1) return;
   if (n > MaxRows) {
-    fail(failed, "(MKCCSL) Max number of segment points exceeded!");
+    fail("(MKCCSL) Max number of segment points exceeded!", failed);
     return;
   }
 
@@ -894,12 +890,13 @@ void MKCCSL(int segmentLimit, int pointLimit, int n, View1<const int> types,
   }
   const int segments = closed ? std::max(cuts, 1) : cuts + 1;
   if (segments > segmentLimit) {
-    fail(failed, "(MKCCSL) Max number of CC segments exceeded!{NWL{GRE(Max is " +
-                     std::to_string(segmentLimit) + ")");
+    fail("(MKCCSL) Max number of CC segments exceeded!{NWL{GRE(Max is " +
+             std::to_string(segmentLimit) + ")",
+         failed);
     return;
   }
   if (segments > MaxInternalCCSegments) {
-    fail(failed, "(MKCCSL) Max internal allowed number of CC segments exceeded!");
+    fail("(MKCCSL) Max internal allowed number of CC segments exceeded!", failed);
     return;
   }
 
@@ -915,7 +912,7 @@ void MKCCSL(int segmentLimit, int pointLimit, int n, View1<const int> types,
   };
   auto addPoint = [&](int point) {
     if (table.points(k) + 1 > std::min(pointLimit, MaxRows + 1)) {
-      fail(failed, "(MKCCSL) Max number of segment points exceeded!");
+      fail("(MKCCSL) Max number of segment points exceeded!", failed);
       return false;
     }
     ++table.points(k);
@@ -1038,18 +1035,27 @@ void MKSM43(int rowLimit, int n, View1<const Triple> points, View1<const double>
   buildQuadratic<3>(rowLimit, n, points, knots, bands, rhs, failed);
 }
 
+// Whether a system of `rows` equations with `columns` right-hand sides fits
+// both the caller's arrays and the solver's own; tells the user when not.
+static bool withinSolverLimits(const char* routine, int rowLimit, int columnLimit, int rows,
+                               int columns, bool& failed) {
+  const std::string who = std::string("(") + routine + ") ";
+  if (rows > std::min(rowLimit, MaxRows)) {
+    fail(who + "Max number of equations exceeded!", failed);
+    return false;
+  }
+  if (columns > std::min(columnLimit, MaxColumns)) {
+    fail(who + "Max number of right hand sides exceeded!", failed);
+    return false;
+  }
+  return true;
+}
+
 void TRIDG1(int rowLimit, int columnLimit, int rows, int columns, Bands& bands, RightSides& rhs,
             RightSides& solution, bool& singular, bool& failed) {
   failed = false;
   singular = false;
-  if (rows > std::min(rowLimit, MaxRows)) {
-    fail(failed, "(TRIDG1) Max number of equations exceeded!");
-    return;
-  }
-  if (columns > std::min(columnLimit, MaxColumns)) {
-    fail(failed, "(TRIDG1) Max number of right hand sides exceeded!");
-    return;
-  }
+  if (!withinSolverLimits("TRIDG1", rowLimit, columnLimit, rows, columns, failed)) return;
   const int n = rows;
   if (n < 1) return;
   auto& a = bands.a;
@@ -1079,14 +1085,7 @@ void TRIDG3(int rowLimit, int columnLimit, int rows, int columns, Bands& bands,
             RightSides& rhs, RightSides& solution, bool& singular, bool& failed) {
   failed = false;
   singular = false;
-  if (rows > std::min(rowLimit, MaxRows)) {
-    fail(failed, "(TRIDG3) Max number of equations exceeded!");
-    return;
-  }
-  if (columns > std::min(columnLimit, MaxColumns)) {
-    fail(failed, "(TRIDG3) Max number of right hand sides exceeded!");
-    return;
-  }
+  if (!withinSolverLimits("TRIDG3", rowLimit, columnLimit, rows, columns, failed)) return;
   const int n = rows;
   if (n < 1) return;
   auto& a = bands.a;
@@ -1165,7 +1164,7 @@ void HCTAN2(int limit, const SplineRecord2& rec, View1<Vec<4>> tangents, bool& f
   const int n = rec.NOFFS;
   if (n < 2) return;
   if (n > MaxOffsetPoints || n > limit) {
-    fail(failed, "(HCTAN2) Max number of offset points exceeded!");
+    fail("(HCTAN2) Max number of offset points exceeded!", failed);
     return;
   }
   static Array1<int, MaxOffsetPoints> types;
