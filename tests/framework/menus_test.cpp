@@ -269,11 +269,10 @@ TEST_F(Questions, LoadAndResetConfirmations) {
   OKRSET(reset);
   EXPECT_TRUE(loaded);
   EXPECT_FALSE(reset);
-  EXPECT_TRUE(Contains(output(),
-                       {"OK to load KNTR data without saving current data? (yes/no)\n(default no)",
-                        "Loading KNTR data destroys current data!\n",
-                        "OK to reset module ** KNTR ** ? (yes/no)\n(default no)",
-                        "No help available"}));
+  EXPECT_TRUE(Contains(
+      output(), {"OK to load KNTR data without saving current data? (yes/no)\n(default no)",
+                 "Loading KNTR data destroys current data!\n",
+                 "OK to reset module ** KNTR ** ? (yes/no)\n(default no)", "No help available"}));
 }
 
 // --- the main menu ----------------------------------------------------------------
