@@ -232,14 +232,10 @@ TEST_F(Configure, MissingTarvikrcWarnsSkipsTheUserFileAndReadsTheSite) {
   EXPECT_EQ(printers(), "general  66; env  66");
 }
 
-TEST_F(Configure, CommandLineAndInstallationChooseTheSiteFile) {
+// A site file named on the command line is read by the scripted session
+// session_print_configured.
+TEST_F(Configure, TheInstallationChoosesTheSiteFile) {
   siteFile("define-printer=site\n");
-  commandLine().configuration = write("mine.rc", "define-printer=chosen\n");
-  commandLine().configurationGiven = true;
-  EXPECT_STATUS(false, CFSETP(status));
-  EXPECT_EQ(printers(), "chosen  66");
-
-  resetCommandLine();
   program().installationPath = path("inst");
   write("inst/config/Tarvik.ini", "define-printer=installed\n");
   EXPECT_STATUS(false, CFSETP(status));

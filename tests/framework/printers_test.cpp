@@ -111,22 +111,6 @@ TEST_F(PrinterLine, PclModelsSendSetupEscapesAndLineDrawing) {
   open("LaserJet-HP92286J");
   PRLINE("{hln");
   EXPECT_EQ(finishBody(), (Lines{esc + "(2Q\xc4" + esc + "(0U\r", "\f"}));
-
-  // Each model's underline, set-up and wrap-up.
-  const auto model = [](const char* name) {
-    IZPRMD(name);
-    return token("UDL").on + "|" + printerState().setup + "|" + printerState().wrap;
-  };
-  EXPECT_EQ(model("LaserJet-III"), esc + "&d0D|" + esc + "(10u(s12H|\f");
-  EXPECT_EQ(model("HP2934"), esc + "&dD|" + esc + "(8U" + esc + "(s12H" + esc + "(s3T" + esc +
-                                 "(s0Q" + esc + "&a10L|" + esc + "&a0L\f");
-  EXPECT_EQ(model("LaserJet-II"),
-            esc + "&dD|" + esc + "(10U" + esc + "(s12H" + esc + "(s3T" + esc + "&a10L|\f");
-  IZPRMD("PostScript");
-  EXPECT_EQ(token("ULC").on, "+");
-  EXPECT_TRUE(printerState().setup.empty());
-  EXPECT_TRUE(knownPrinterModel("WIN32PRINTER"));
-  EXPECT_FALSE(knownPrinterModel("LaserJet"));
 }
 
 TEST_F(PrinterLine, WriteFailureEndsTheJobAndReturnsToTheScreen) {
@@ -195,23 +179,6 @@ TEST_F(PageHead, LongValuesKeepTheirLast64CharactersAndATitleStandsUnderTheBox) 
   EXPECT_EQ(lines[9],
             "!" + std::string(28, ' ') + "Program configuration" + std::string(28, ' ') + "!");
   EXPECT_TRUE(printerState().listingTitle.empty());  // one job only
-}
-
-TEST_F(PageHead, LaterPagesFillThePageAndCarryOneLine) {
-  open("", 20);
-  const std::string date = printerState().date;
-  const std::string head = "Module: KNTR; pjc: demo           ; date: " + date.substr(0, 7) +
-                           date.substr(9, 2) + "; time: " + printerState().time + "; page:    ";
-  PRLINE("body");
-  PRPHED();
-  PRLINE("more");
-  PRPHED();
-  const Lines lines = finish();
-  ASSERT_EQ(lines.size(), 20u + 20u + 3u);
-  EXPECT_EQ(lines[11], "body");
-  for (int k = 12; k < 20; ++k) EXPECT_EQ(lines[static_cast<std::size_t>(k)], "") << k;
-  EXPECT_EQ(Lines(lines.begin() + 20, lines.begin() + 24), (Lines{head + "2", "", "", "more"}));
-  EXPECT_EQ(lines[40], head + "3");
 }
 
 // --- Print jobs and spooling -----------------------------------------------------

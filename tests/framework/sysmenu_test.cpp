@@ -74,12 +74,7 @@ TEST_F(SystemMenu, ItemsAndTheirDialogues) {
     Texts shown;
     Texts commands;  // asked of the operating system, in order
   } cases[] = {
-      {"11\n",
-       {"1.  ... Project manipulation", "2.  ... Attributes", "3.  ... File manipulation",
-        "4.  ... Log file", "5.  ... User processes", "6.  ... Operating system",
-        "7.  ... Print module limitations", "8.  ... Test plot scaling", "9.  ... Errors & mail",
-        "10. ... Print configuration", "11. ... RETURN", "PROGRAM MANIPULATION"},
-       {}},
+      {"11\n", {"PROGRAM MANIPULATION", "1.  ... Project manipulation", "11. ... RETURN"}, {}},
       {"$\n", {}, {}},
       {"3\n1\n\n\n1\n2\n\n5\n11\n", {}, {"ls -a", "ls -l"}},
       {"3\n4\n" + path("nope") + "\n\n$\n5\n11\n",
@@ -87,11 +82,6 @@ TEST_F(SystemMenu, ItemsAndTheirDialogues) {
        {}},
       {"7\n\n11\n", {"No module limitations available"}, {}},
       {"8\n\n11\n", {"Not implemented in this version\n(version is 1998-0223)"}, {}},
-      {"10\n1\n1\n\n9\n11\n",
-       {"PRINT CONFIGURATION", "Printer is? (screen = 1, cancel = 2)",
-        "Display\n\n" + entry("Graphics window width (% of screen)", "80.00") + "\n",
-        entry("Display type", "standard-color")},
-       {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.keys);
@@ -112,11 +102,6 @@ TEST_F(SystemMenu, ItemsAndTheirDialogues) {
   callbacks().limits = printLimits;
   run("7\n11\n");
   EXPECT_TRUE(limitsPrinted);
-
-  resize(80, 15);
-  type("\n");
-  EXPECT_STATUS(true, SYMENU(status));
-  EXPECT_TRUE(Contains(output(), "Screen is to small to display menu"));
 }
 
 TEST_F(SystemMenu, SettingsOfTheProjectAttributesAndLog) {
@@ -169,10 +154,10 @@ TEST_F(SystemMenu, ShellFromTheEnvironment) {
 
 TEST_F(SystemMenu, ErrorReportsByMail) {
   exitCode = 1;  // no mail program
-  std::string said = run("9\n1\n\n2\n\n3\n\n4\n11\n");
-  EXPECT_EQ(occurrences(said, "Attempt to execute E-mail program failed"), 3);
+  std::string said = run("9\n1\n\n4\n11\n");
+  EXPECT_EQ(occurrences(said, "Attempt to execute E-mail program failed"), 1);
   EXPECT_TRUE(Contains(said, "ERRORS & MAIL"));
-  EXPECT_EQ(commands, Texts(3, "command -v mail >/dev/null 2>&1"));
+  EXPECT_EQ(commands, Texts(1, "command -v mail >/dev/null 2>&1"));
 
   exitCode = 0;
   commands.clear();

@@ -81,10 +81,17 @@ TEST_F(Table, PagesForwardBackAndByNumberOnTheScreen) {
   EXPECT_FALSE(inputLeft());
   // Page 1, page 2 refused under it, then page 3 on its own.
   EXPECT_EQ(run("3\n\n", 40, 40), rows({{1, 17}, {18, 34}, {35, 40}}));
+  // A word is no page: the question comes again.
+  EXPECT_EQ(run("x\n\n\n", 30, 30), rows({{1, 17}, {18, 30}}));
+  EXPECT_TRUE(Contains(output(), "Input must be either +, -, NNN, +NNN, -NNN or <R> to quit ?"));
+  EXPECT_FALSE(inputLeft());
 }
 
 TEST_F(Table, PrintedPageByPageUnderThePageHeads) {
   open("", 20);
+  const std::string date = printerState().date;
+  const std::string head = "Module: KNTR; pjc: demo           ; date: " + date.substr(0, 7) +
+                           date.substr(9, 2) + "; time: " + printerState().time + "; page:    ";
   // First page: 20 - 11 (head box) - 3 (head, foot) - 2 (gap) = 4 rows;
   // later pages: 20 - 3 (head line) - 3 - 2 = 12 rows.
   EXPECT_EQ(run("", 30, 30), rows({{1, 30}}));
@@ -92,12 +99,14 @@ TEST_F(Table, PrintedPageByPageUnderThePageHeads) {
   ASSERT_EQ(lines.size(), 20u * 3u + 3u + 3u + 2u + 2u);
   const std::vector<std::pair<int, std::string>> expected = {
       {11, "Numbers"}, {13, "row   1"}, {16, "row   4"}, {17, "-------"},
+      {18, ""},        {19, ""},        {21, ""},        {22, ""},
       {23, "Numbers"}, {25, "row   5"}, {36, "row  16"}, {37, "-------"},
       {45, "row  17"}, {65, "row  29"}, {66, "row  30"}, {67, "-------"}};
   for (const auto& [at, text] : expected) EXPECT_EQ(lines[static_cast<std::size_t>(at)], text);
-  EXPECT_EQ(lines[20].substr(0, 12), "Module: KNTR");
-  EXPECT_EQ(lines[40].substr(lines[40].size() - 4), "   3");
-  EXPECT_EQ(lines[60].substr(lines[60].size() - 4), "   4");
+  // Later pages carry one head line; the pages before are filled up.
+  EXPECT_EQ(lines[20], head + "2");
+  EXPECT_EQ(lines[40], head + "3");
+  EXPECT_EQ(lines[60], head + "4");
 }
 
 TEST_F(Table, TooSmallForOneRow) {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -99,54 +98,9 @@ TEST_F(TextTokens, IoErrorsNameTheOperationTheFileAndTheReason) {
 
 // --- paged listings ------------------------------------------------------------
 
-class Paging : public kntr::testing::ConsoleTest {
- protected:
-  void SetUp() override {
-    ConsoleTest::SetUp();
-    resize(40, 12);
-    scrollRow() = 1;
-  }
-  // Runs a listing of `last` blocks of one line each on the answers `keys`
-  // until SCROLL ends it; returns the page numbers shown, in order.
-  std::vector<int> list(const std::string& keys, int last) {
-    type(keys);
-    std::vector<int> shown;
-    int current = 1;
-    bool status = false;
-    for (int guard = 0; guard < 100 && !status; ++guard) {
-      shown.push_back(current);
-      SCROLL("block " + std::to_string(current), last, current, status);
-    }
-    return shown;
-  }
-};
-
-TEST_F(Paging, BlocksFillTheScreenThenAsk) {
-  // One-line blocks take 3 lines each. On 12 lines the third block would
-  // leave no room for the question, so the screen shows two and asks;
-  // RETURN at the first question ends the listing.
-  EXPECT_EQ(list("\n", 10), (std::vector<int>{1, 2, 3}));
-  const auto rows = screen();
-  EXPECT_NE(std::find(rows.begin(), rows.end(), "block 2"), rows.end());
-  EXPECT_EQ(std::find(rows.begin(), rows.end(), "block 3"), rows.end());
-  EXPECT_TRUE(Contains(output(), "Input +, -, NNN, +NNN, -NNN or <R> to quit ?"));
-  // The last page asks at once.
-  scrollRow() = 1;
-  EXPECT_EQ(list("\n", 2), (std::vector<int>{1, 2}));
-}
-
-TEST_F(Paging, PlusGoesOnNumbersJumpAndBadAnswersAreRefused) {
-  // First screen 1..3 (4 does not fit and steps back to 3), "+" from 3
-  // shows 4.., "7" jumps to page 7.
-  const auto shown = list("+\n7\n\n", 10);
-  ASSERT_GE(shown.size(), 6u);
-  EXPECT_EQ(shown[0], 1);
-  EXPECT_NE(std::find(shown.begin(), shown.end(), 7), shown.end());
-  list("x\n\n\n", 10);
-  EXPECT_TRUE(Contains(output(), "Input must be either +, -, NNN, +NNN, -NNN or <R> to quit ?"));
-}
-
-TEST_F(Paging, WholeScreenListingMustFit) {
+// Paging by SCROLL is shown by the table tests, which page through it.
+TEST_F(TextTokens, WholeScreenListingMustFit) {
+  resize(40, 12);
   type("\n\n");
   PRPAGE("a{nwl}b");
   EXPECT_TRUE(Contains(output(), "To continue press RETURN"));
