@@ -206,6 +206,20 @@ bool askText(const std::string& question, const std::string& deflt, std::string_
   }
 }
 
+// Writes `lines` to `file`; a failure is told by IOERRM (W with `name`).
+bool writeLines(AtomicWriter& file, std::string_view name, std::span<const std::string> lines,
+                bool& status) {
+  for (const std::string& line : lines) {
+    const int io = file.writeLine(line);
+    if (io != 0) {
+      IOERRM('W', name, io);
+      status = true;
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 // --- File names --------------------------------------------------------------
@@ -379,15 +393,14 @@ void STPJCT(int version, bool& status) {
       "float-format=" + fmt::I(p.floatFormat, 4),
       "weight-units=" + fmt::I(p.weightUnit, 4),
   };
-  for (const std::string& line : lines) {
-    io = file.writeLine(line);
-    if (io != 0) {
-      IOERRM('W', name, io);
-      status = true;
-      return;
-    }
-  }
-  io = file.commit();
+  writeLinesAndCommit(file, name, lines, status);
+}
+
+void writeLinesAndCommit(AtomicWriter& file, std::string_view name,
+                         std::span<const std::string> lines, bool& status) {
+  status = false;
+  if (!writeLines(file, name, lines, status)) return;
+  const int io = file.commit();
   if (io != 0) {
     IOERRM('C', name, io);
     status = true;
@@ -719,14 +732,7 @@ void PTFLHD(AtomicWriter& file, int version, bool& status) {
       headerLine("* TIME: ", time),
       stars,
   };
-  for (const std::string& line : lines) {
-    const int io = file.writeLine(line);
-    if (io != 0) {
-      IOERRM('W', p.workFileName, io);
-      status = true;
-      return;
-    }
-  }
+  if (!writeLines(file, p.workFileName, lines, status)) return;
   p.lastFileDate = date;
   p.lastFileTime = time;
 }

@@ -99,6 +99,11 @@ void GTTIME(std::string& time);
 // failures are reported under the work file name.
 void PTFLHD(AtomicWriter& file, int version, bool& status);
 
+// Writes `lines` to the open `file` and puts the new version in place; a
+// failure is told by IOERRM (W or C with `name`) and sets the status.
+void writeLinesAndCommit(AtomicWriter& file, std::string_view name,
+                         std::span<const std::string> lines, bool& status);
+
 // What GTFLHD takes from a header.
 struct FileHeader {
   std::string program;         // module identifier of the writer

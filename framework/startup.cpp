@@ -192,18 +192,9 @@ void STPJTP(int mode, bool& status) {
     status = true;
     return;
   }
-  io = file.writeLine(std::string("execution-mode=") + modeWord(mode));
-  if (io == 0) io = file.writeLine("project=" + std::string(fmt::trimmed(p.projectName)));
-  if (io != 0) {
-    IOERRM('W', name, io);
-    status = true;
-    return;
-  }
-  io = file.commit();
-  if (io != 0) {
-    IOERRM('C', name, io);
-    status = true;
-  }
+  const std::string lines[] = {std::string("execution-mode=") + modeWord(mode),
+                               "project=" + std::string(fmt::trimmed(p.projectName))};
+  writeLinesAndCommit(file, name, lines, status);
 }
 
 }  // namespace kntr::framework

@@ -19,19 +19,9 @@ void JNHOLS(MeshData& m, int numHoles, View1<const int> holeList, View1<int> int
     if (status) return;
   }
   // Split the bridged region below each hole.
-  const double reflex = Pi + m.MeshTol;
   for (int k = numHoles + 1; k <= 2 * numHoles; ++k) {
-    const int h = holeList(k);
-    if (m.CornerAngle(h) <= reflex) continue;
-    int first = 0, second = 0;
-    RSRFVX(m, h, intAux, realAux, first, second, status);
+    resolveReflexCorner(m, holeList(k), intAux, realAux, status);
     if (status) return;
-    INSEDG(m, h, first, status);
-    if (status) return;
-    if (second > 0) {
-      INSEDG(m, h, second, status);
-      if (status) return;
-    }
   }
 }
 

@@ -390,20 +390,23 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
   }
 }
 
+void resolveReflexCorner(MeshData& m, int h, View1<int> intAux, View1<double> realAux,
+                         bool& status) {
+  status = false;
+  if (m.CornerAngle(h) <= Pi + m.MeshTol) return;
+  int first = 0, second = 0;
+  RSRFVX(m, h, intAux, realAux, first, second, status);
+  if (status) return;
+  INSEDG(m, h, first, status);
+  if (status || second == 0) return;
+  INSEDG(m, h, second, status);
+}
+
 void RSRFAL(MeshData& m, View1<int> intAux, View1<double> realAux, bool& status) {
   status = false;
-  const double reflex = Pi + m.MeshTol;
   for (int h = 1; h <= m.NumHalfEdges; ++h) {
-    if (m.CornerAngle(h) <= reflex) continue;
-    int first = 0, second = 0;
-    RSRFVX(m, h, intAux, realAux, first, second, status);
+    resolveReflexCorner(m, h, intAux, realAux, status);
     if (status) return;
-    INSEDG(m, h, first, status);
-    if (status) return;
-    if (second > 0) {
-      INSEDG(m, h, second, status);
-      if (status) return;
-    }
   }
 }
 

@@ -20,6 +20,11 @@ namespace kntr::mesher {
 // end convex. Work space is taken from intAux and realAux.
 void RSRFAL(MeshData& m, View1<int> intAux, View1<double> realAux, bool& status);
 
+// Resolves the corner at half-edge h if it is reflex (above pi + MeshTol):
+// the new edges RSRFVX finds are inserted by INSEDG.
+void resolveReflexCorner(MeshData& m, int h, View1<int> intAux, View1<double> realAux,
+                         bool& status);
+
 // RSRFVX: for the reflex corner at half-edge h, the half-edges `first` and
 // `second` at the far ends of one or two new edges (second is 0 for one
 // edge). A target inside a boundary edge is inserted there as a vertex.
