@@ -708,9 +708,8 @@ void terminalOutput(const std::string& value, bool& status) {
     }
   }
   if (t.count >= MaxTerminalTokens) {
-    ERRSCN("Maximum number of terminal tokens exceeded{nwl{gre(maximum is " +
-           std::to_string(MaxTerminalTokens) + ")");
-    status = true;
+    fail("Maximum number of terminal tokens exceeded{nwl{gre(maximum is " +
+           std::to_string(MaxTerminalTokens) + ")", status);
     return;
   }
   addToken(t, name, sequence(on), sequence(off), off.empty() ? TokenGroup : TokenToggle);

@@ -50,8 +50,7 @@ void IQFUNT(int& unit, bool& status) {
       return;
     }
   }
-  ERRSCN("No free units available");
-  status = true;
+  fail("No free units available", status);
 }
 
 bool unitConnected(int unit) {

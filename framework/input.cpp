@@ -415,8 +415,7 @@ void GTITEM(int type, int maxLength, int& integer, double& real, std::string& te
   const bool quoted = token == ItDoubleQuoted || token == ItSingleQuoted;
   if (type == TypeText) {
     if (static_cast<int>(value.size()) > maxLength) {
-      ERRSCN("Maximum number of characters exceeded");
-      status = true;
+      fail("Maximum number of characters exceeded", status);
       return;
     }
     text = value;
@@ -512,8 +511,7 @@ int CVYESN(std::string_view word, bool& status) {
     if (w == y) return 1;
   for (std::string_view n : no)
     if (w == n) return 2;
-  ERRSCN("Input must be yes/no, true/false, 1/0");
-  status = true;
+  fail("Input must be yes/no, true/false, 1/0", status);
   return 0;
 }
 

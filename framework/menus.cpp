@@ -106,8 +106,7 @@ void TXMENU(std::string_view title, std::span<const std::string> items, int defl
   const int margin = columns / 4;
   const int width = columns - margin - 9;
   if (columns < MenuBoxWidth || width < MinimumMenuText || lines - MenuFrameLines < n) {
-    ERRSCN("Screen is to small to display menu");
-    status = true;
+    fail("Screen is to small to display menu", status);
     return;
   }
 
@@ -218,8 +217,7 @@ void ASKQST(std::string_view question, std::string_view deflt, std::string_view 
   status = false;
   abort = false;
   if (blank(question)) {
-    ERRSCN("No question text available");
-    status = true;
+    fail("No question text available", status);
     return;
   }
   const std::string text(fmt::trimmed(question));

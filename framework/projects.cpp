@@ -231,8 +231,7 @@ void IQFEXT(std::string_view identifier, std::string& extension, std::string& ba
   backup.clear();
   const std::string_view id = fmt::trimmed(identifier);
   if (id.empty()) {
-    ERRSCN("(IQISFN) Unable to return file extension for module without identification");
-    status = true;
+    fail("(IQISFN) Unable to return file extension for module without identification", status);
     return;
   }
   const bool shortForm = program().fileNameType == NamesUnixShort;
@@ -242,9 +241,8 @@ void IQFEXT(std::string_view identifier, std::string& extension, std::string& ba
     backup = shortForm ? row.shortBackup : row.longBackup;
     return;
   }
-  ERRSCN("Unable to find file extensions for module with ** {gre" + std::string(id) +
-         "{red ** as identification");
-  status = true;
+  fail("Unable to find file extensions for module with ** {gre" + std::string(id) +
+         "{red ** as identification", status);
 }
 
 void IQISFN(std::string_view kind, int capacity, std::string& name, bool& status) {
@@ -252,8 +250,7 @@ void IQISFN(std::string_view kind, int capacity, std::string& name, bool& status
   name.clear();
   const std::string_view id = fmt::trimmed(kind);
   if (id.empty()) {
-    ERRSCN("(IQISFN) Unable to return file name for module without identification");
-    status = true;
+    fail("(IQISFN) Unable to return file name for module without identification", status);
     return;
   }
   const ProgramState& p = program();
@@ -300,11 +297,10 @@ void IQISFN(std::string_view kind, int capacity, std::string& name, bool& status
 
   const int needed = static_cast<int>(base.size() + extension.size()) + 3;
   if (needed > capacity) {
-    ERRSCN(
+    fail(
         "(IQISFN) Unable to return file name for module due to space limitations{gre(max number "
         "of characters in file name is " +
-        fmt::I(needed, 4) + " < " + fmt::I(capacity, 4) + ")");
-    status = true;
+        fmt::I(needed, 4) + " < " + fmt::I(capacity, 4) + ")", status);
     return;
   }
   name = base + std::string(1, p.extensionSeparator) + extension;
@@ -320,8 +316,7 @@ void SPFLNM(std::string_view full, std::string& directory, std::string& base, bo
   base.clear();
   const std::string_view name = fmt::trimmed(full);
   if (name.empty()) {
-    ERRSCN("(SPFLNM) Full file name length must be positive");
-    status = true;
+    fail("(SPFLNM) Full file name length must be positive", status);
     return;
   }
   const std::size_t at = name.rfind(program().pathSeparator);
@@ -341,14 +336,12 @@ void TCFLNM(std::string_view name, int maxLength, std::string& truncated, bool& 
   status = false;
   truncated.clear();
   if (maxLength <= 0) {
-    ERRSCN("(TCFLNM) File name truncation length must be positive");
-    status = true;
+    fail("(TCFLNM) File name truncation length must be positive", status);
     return;
   }
   const std::string_view text = fmt::trimmed(name);
   if (text.empty()) {
-    ERRSCN("(TCFLNM) Unable to truncate zero length file name");
-    status = true;
+    fail("(TCFLNM) Unable to truncate zero length file name", status);
     return;
   }
   const std::size_t keep = static_cast<std::size_t>(maxLength);
@@ -419,8 +412,7 @@ void LDPJCT(bool& status) {
   if (status) return;
   p.workFileName = name;
   if (!fileExists(name)) {
-    ERRSCN("Project file ** {gre" + name + "{red ** does not exist");
-    status = true;
+    fail("Project file ** {gre" + name + "{red ** does not exist", status);
     return;
   }
   int unit = 0;
@@ -638,8 +630,7 @@ void DATE2I(std::string_view date, int& day, int& month, int& year, bool& status
   status = false;
   day = month = year = 0;
   if (static_cast<int>(date.size()) < DateWidth) {
-    ERRSCN("(DATE2I) Legnth of date string must be at least 11 characters");
-    status = true;
+    fail("(DATE2I) Legnth of date string must be at least 11 characters", status);
     return;
   }
   if (!integerField(date.substr(0, 2), day) || !integerField(date.substr(7, 4), year)) {
@@ -651,8 +642,7 @@ void DATE2I(std::string_view date, int& day, int& month, int& year, bool& status
   for (int m = 1; m <= 12; ++m)
     if (name == monthNames[m - 1]) month = m;
   if (month == 0) {
-    ERRSCN("(DATE2I) Unknown month ** {gre" + std::string(name) + "{red ** in date");
-    status = true;
+    fail("(DATE2I) Unknown month ** {gre" + std::string(name) + "{red ** in date", status);
   }
 }
 
@@ -660,8 +650,7 @@ void CITD2S(int date, int capacity, std::string& text, bool& status) {
   status = false;
   text.clear();
   if (capacity < DateWidth) {
-    ERRSCN("(CITD2S) Length of date string must be at least 11 characters");
-    status = true;
+    fail("(CITD2S) Length of date string must be at least 11 characters", status);
     return;
   }
   const int year = date / 10000;
@@ -685,8 +674,7 @@ void CITT2S(int time, int capacity, std::string& text, bool& status) {
   status = false;
   text.clear();
   if (capacity < TimeWidth) {
-    ERRSCN("(CITT2S) Length of time string must be at least 8 characters");
-    status = true;
+    fail("(CITT2S) Length of time string must be at least 8 characters", status);
     return;
   }
   const int hour = time / 10000;
@@ -713,8 +701,7 @@ void PTFLHD(AtomicWriter& file, int version, bool& status) {
   GTDATE(date);
   GTTIME(time);
   if (!file.isOpen()) {
-    ERRSCN("(PTFLHD) read UNIT is not open{nwl{gre(unit is " + fmt::I(file.unit(), 4) + ")");
-    status = true;
+    fail("(PTFLHD) read UNIT is not open{nwl{gre(unit is " + fmt::I(file.unit(), 4) + ")", status);
     return;
   }
   const std::string stars(static_cast<std::size_t>(HeaderWidth), '*');
@@ -741,8 +728,7 @@ void GTFLHD(TextReader& file, std::string_view name, FileHeader& header, bool& s
   status = false;
   header = FileHeader{};
   if (!file.isOpen()) {
-    ERRSCN("(GTFLHD) read UNIT is not open{nwl{gre(unit is " + fmt::I(file.unit(), 4) + ")");
-    status = true;
+    fail("(GTFLHD) read UNIT is not open{nwl{gre(unit is " + fmt::I(file.unit(), 4) + ")", status);
     return;
   }
   std::array<std::string, HeaderLines> lines;

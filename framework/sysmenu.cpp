@@ -610,8 +610,7 @@ void printConfiguration(bool& status) {
 void EMRPER(int kind, bool& status) {
   status = false;
   if (kind != GeneralErrorReport && kind != ModuleErrorReport) {
-    ERRSCN("PROGRAM ERROR FROM SUBROUTINE ** EMRPER **");
-    status = true;
+    fail("PROGRAM ERROR FROM SUBROUTINE ** EMRPER **", status);
     return;
   }
   if (!mailProgramAvailable()) {

@@ -38,15 +38,13 @@ void OPSYIF(std::string_view commands, bool& status) {
   status = false;
   const std::string_view list = fmt::trimmed(commands);
   if (list.find_first_not_of(' ') == std::string_view::npos) {
-    ERRSCN("(OPSYIF) No operating system call specified");
-    status = true;
+    fail("(OPSYIF) No operating system call specified", status);
     return;
   }
   const int length = static_cast<int>(list.size());
   if (length >= MaxSystemCallLength) {
-    ERRSCN("Maximum length of operating system call exceeded{nwl{gre(maximum length is " +
-           fmt::I(MaxSystemCallLength, 4) + " < " + fmt::I(length, 4) + ")");
-    status = true;
+    fail("Maximum length of operating system call exceeded{nwl{gre(maximum length is " +
+           fmt::I(MaxSystemCallLength, 4) + " < " + fmt::I(length, 4) + ")", status);
     return;
   }
   // Each command in turn; a failure is told and the next one still runs.
@@ -62,9 +60,8 @@ void OPSYIF(std::string_view commands, bool& status) {
         std::string_view shown = command;
         if (shown.size() > static_cast<std::size_t>(ShownCommandLength))
           shown = shown.substr(shown.size() - ShownCommandLength);
-        ERRSCN("Attempt to call operating system failed{nwl** {gre" + literal(shown) +
-               "{red **{nwl{gre(error is " + fmt::I(error, 4) + ")");
-        status = true;
+        fail("Attempt to call operating system failed{nwl** {gre" + literal(shown) +
+               "{red **{nwl{gre(error is " + fmt::I(error, 4) + ")", status);
       }
     }
     start = end + 1;

@@ -64,9 +64,8 @@ void IZTABL(std::string_view head, std::string_view foot, int rows, bool& status
     const int page = printerPageLength();
     t.pageRows = page - LaterHeadLines - frame - BlockGapLines;
     if (t.pageRows < 1) {
-      ERRSCN("Attempt to exceed number of lines on printer{nwl{gre(maximum is " + fmt::I(page, 4) +
-             ")");
-      status = true;
+      fail("Attempt to exceed number of lines on printer{nwl{gre(maximum is " + fmt::I(page, 4) +
+             ")", status);
       return;
     }
     // The first page takes what is left of the printer's page.
@@ -76,9 +75,8 @@ void IZTABL(std::string_view head, std::string_view foot, int rows, bool& status
     const int lines = program().screenLines;
     t.pageRows = lines - ScreenReserve - frame;
     if (t.pageRows < 1) {
-      ERRSCN("Attempt to exceed number of lines on screen{nwl{gre(maximum is " + fmt::I(lines, 4) +
-             ")");
-      status = true;
+      fail("Attempt to exceed number of lines on screen{nwl{gre(maximum is " + fmt::I(lines, 4) +
+             ")", status);
       return;
     }
     t.firstRows = t.pageRows;

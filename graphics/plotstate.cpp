@@ -10,6 +10,7 @@ namespace kntr::graphics {
 namespace {
 
 using framework::ERRSCN;
+using framework::fail;
 
 // Integer attributes of the element classes, all starting at 1 (colour 1,
 // solid lines, font 1, ...), and the real text attributes.
@@ -216,8 +217,7 @@ void GINQRL(std::string_view name, double& value, bool& status) {
     value = it->second;
     return;
   }
-  ERRSCN("PLOT ERROR FROM SUBROUTINE ** GINQRL **{nwl(unknown attribute " + n + ")");
-  status = true;
+  fail("PLOT ERROR FROM SUBROUTINE ** GINQRL **{nwl(unknown attribute " + n + ")", status);
 }
 
 void GINQIN(std::string_view name, int& value, bool& status) {
@@ -235,8 +235,7 @@ void GINQIN(std::string_view name, int& value, bool& status) {
     value = it->second;
     return;
   }
-  ERRSCN("PLOT ERROR FROM SUBROUTINE ** GINQIN **{nwl(unknown attribute " + n + ")");
-  status = true;
+  fail("PLOT ERROR FROM SUBROUTINE ** GINQIN **{nwl(unknown attribute " + n + ")", status);
 }
 
 void GSETIN(std::string_view name, int value, bool& status) {
@@ -244,8 +243,7 @@ void GSETIN(std::string_view name, int value, bool& status) {
   const std::string n(name);
   if (n == "iclipx") {
     if (value < ClipOff || value > ClipScale) {
-      ERRSCN("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(clip mode must be in [1,5])");
-      status = true;
+      fail("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(clip mode must be in [1,5])", status);
       return;
     }
     state().iclipx = value;
@@ -259,8 +257,7 @@ void GSETIN(std::string_view name, int value, bool& status) {
     it->second = value;
     return;
   }
-  ERRSCN("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(unknown attribute " + n + ")");
-  status = true;
+  fail("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(unknown attribute " + n + ")", status);
 }
 
 }  // namespace kntr::graphics

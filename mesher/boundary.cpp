@@ -17,13 +17,11 @@ void IZMCPR(MeshData& m, int numHoles, View1<const int> polySizes, View1<int> ho
   m.PolygonRegion(1) = 1;
   if (1 + numHoles > MaxSubPolygons || 2 * numHoles > MaxHalfEdges ||
       2 * numHoles > holeList.size()) {
-    framework::ERRSCN("(IZMCPR) Max number of internal holes exceeded!");
-    status = true;
+    framework::fail("(IZMCPR) Max number of internal holes exceeded!", status);
     return;
   }
   if (total > MaxBoundaryVertices || total > m.Vertices.size()) {
-    framework::ERRSCN("(IZMCPR) Max number of polygon vertices exceeded!");
-    status = true;
+    framework::fail("(IZMCPR) Max number of polygon vertices exceeded!", status);
     return;
   }
   auto& he = m.HalfEdge;

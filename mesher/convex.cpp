@@ -86,9 +86,8 @@ void IDSQCP(int n, View1<const double> x, View1<const double> y, int& a, int& b,
     const int from = e == 1 ? n : e - 1;
     const int to = scan.next(from);
     if (!scan.advance(from, to)) {
-      framework::ERRSCN(
-          "(IDSQCP) Internal error - could not establish inner diameter of convex polygon!");
-      status = true;
+      framework::fail(
+          "(IDSQCP) Internal error - could not establish inner diameter of convex polygon!", status);
       return;
     }
     const double length2 = squaredDistance(x, y, from, to);
@@ -124,9 +123,8 @@ void DSQCPG(int n, View1<const double> x, View1<const double> y, int& a, int& b,
     const int from = e == 1 ? n : e - 1;
     const int to = scan.next(from);
     if (!scan.advance(from, to)) {
-      framework::ERRSCN(
-          "(DSQCPG) Internal error - could not establish outer diameter of convex polygon!");
-      status = true;
+      framework::fail(
+          "(DSQCPG) Internal error - could not establish outer diameter of convex polygon!", status);
       return;
     }
     // Both ends of the edge are antipodal to its far vertex, and to the one

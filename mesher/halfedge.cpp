@@ -60,13 +60,11 @@ void IQSGIN(bool ray, double p1x, double p1y, double p2x, double p2y, double q1x
 void INSEDG(MeshData& m, int a, int b, bool& status) {
   status = false;
   if (m.NumPolygons >= MaxSubPolygons) {
-    framework::ERRSCN("(INSEDG) Max number of polygons exceeded!");
-    status = true;
+    framework::fail("(INSEDG) Max number of polygons exceeded!", status);
     return;
   }
   if (m.NumHalfEdges + 2 > MaxHalfEdges) {
-    framework::ERRSCN("(INSEDG) Max number of polygon vertices exceeded!");
-    status = true;
+    framework::fail("(INSEDG) Max number of polygon vertices exceeded!", status);
     return;
   }
   auto& he = m.HalfEdge;
@@ -113,13 +111,11 @@ void INSVTX(MeshData& m, double x, double y, int edge, int& added, bool& status)
   status = false;
   added = 0;
   if (m.NumVertices >= m.Vertices.size()) {
-    framework::ERRSCN("(INSVTX) Max number of vertices exceeded!");
-    status = true;
+    framework::fail("(INSVTX) Max number of vertices exceeded!", status);
     return;
   }
   if (m.NumHalfEdges + 2 > MaxHalfEdges) {
-    framework::ERRSCN("(INSVTX) Max number of polygon vertices exceeded!");
-    status = true;
+    framework::fail("(INSVTX) Max number of polygon vertices exceeded!", status);
     return;
   }
   auto& he = m.HalfEdge;

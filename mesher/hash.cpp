@@ -46,16 +46,14 @@ std::uint32_t hashText(std::string_view text) {
 int IHASH2(int a, int b, int size, bool& status) {
   status = false;
   if (a < 1 || b < 1) {
-    framework::ERRSCN("(IHASH2) Numbers to be hashed must be positive!");
-    status = true;
+    framework::fail("(IHASH2) Numbers to be hashed must be positive!", status);
     return 0;
   }
   char text[2 * KeyField];
   int length = appendKey(a < b ? a : b, text);
   const int second = appendKey(a < b ? b : a, text + length);
   if (length == 0 || second == 0) {
-    framework::ERRSCN("(IHASH2) Internal error when building hash string!");
-    status = true;
+    framework::fail("(IHASH2) Internal error when building hash string!", status);
     return 0;
   }
   length += second;
@@ -65,14 +63,12 @@ int IHASH2(int a, int b, int size, bool& status) {
 int IHASHN(int n, View1<const int> keys, int size, bool& status) {
   status = false;
   if (n > MaxHashKeys) {
-    framework::ERRSCN("(IHASHN) Max allowed number of key values exceeded!maximum!");
-    status = true;
+    framework::fail("(IHASHN) Max allowed number of key values exceeded!maximum!", status);
     return 0;
   }
   for (int i = 1; i <= n; ++i) {
     if (keys(i) < 1) {
-      framework::ERRSCN("(IHASHN) Numbers to be hashed must be positive!");
-      status = true;
+      framework::fail("(IHASHN) Numbers to be hashed must be positive!", status);
       return 0;
     }
   }
@@ -104,8 +100,7 @@ int IHASHN(int n, View1<const int> keys, int size, bool& status) {
   int length = 0;
   for (int i = 1; i <= n; ++i) length += appendKey(keys(order(i)), text + length);
   if (length == 0) {
-    framework::ERRSCN("(IHASHN) Internal error when building hash string!");
-    status = true;
+    framework::fail("(IHASHN) Internal error when building hash string!", status);
     return 0;
   }
   return reduce(std::string_view(text, static_cast<std::size_t>(length)), size);

@@ -57,9 +57,8 @@ void SMLPT2(int numTriangles, View1<const Triangle> triangles, double tolerance,
   moves = 0;
   clearTopology();
   if (numTriangles > MaxFaces) {
-    framework::ERRSCN(
-        "(SMLPT2) Max number of mesh triangles exceedes allocated number of topology faces!");
-    status = true;
+    framework::fail(
+        "(SMLPT2) Max number of mesh triangles exceedes allocated number of topology faces!", status);
     return;
   }
   for (int t = 1; t <= numTriangles; ++t) {
@@ -95,8 +94,7 @@ void SMMSH2(int count, View1<const int> list, View1<const bool> free, int maxNei
   if (count == 0 || !anyFree) return;
   for (int i = 1; i <= count; ++i) {
     if (neighbourCount(i) < 1) {
-      framework::ERRSCN("(SMMSH2) Found internal point with no neighbours!");
-      status = true;
+      framework::fail("(SMMSH2) Found internal point with no neighbours!", status);
       return;
     }
   }

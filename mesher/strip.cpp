@@ -125,8 +125,7 @@ void MRGTRI(bool ring, int maxStrip, int numA, int numB, View0<const int> a, Vie
       const XY& bj = vertices(b(j));
       const XY& bn = vertices(b(j + 1));
       if (sideOf(ai, bn, bj) != -1) {
-        framework::ERRSCN("(MRGTRI) Internal error - illegal triangle formed!");
-        status = true;
+        framework::fail("(MRGTRI) Internal error - illegal triangle formed!", status);
         return;
       }
     }
@@ -184,8 +183,7 @@ void IQTRCE(bool both, int start, int edge, StripSides sides, int& t1, int& j1, 
     }
   }
   if (t2 == 0) {
-    framework::ERRSCN("(IQTRCE) Could not locate two triangles with specified edge!");
-    status = true;
+    framework::fail("(IQTRCE) Could not locate two triangles with specified edge!", status);
   }
 }
 

@@ -293,8 +293,7 @@ void SHRNCP(int n, View0<const double> x, View0<const double> y, View0<const dou
     double px = 0.0, py = 0.0;
     if (!IQOFIN(x(i), y(i), x(i + 1), y(i + 1), offsets(i), x(j), y(j), x(j + 1), y(j + 1),
                 offsets(j), px, py)) {
-      framework::ERRSCN("(SHRNCP) Encountered parallel edges when intersecting !");
-      status = true;
+      framework::fail("(SHRNCP) Encountered parallel edges when intersecting !", status);
       return false;
     }
     ox(into) = px;

@@ -16,6 +16,7 @@ namespace {
 
 using framework::ASKQST;
 using framework::ERRSCN;
+using framework::fail;
 using framework::GTREAL;
 
 // A value moved into [low, high], without trusting the range to be ordered
@@ -129,8 +130,7 @@ void INPRPN(int c, bool& status) {
   status = false;
   ProfileData& p = profile();
   if (c < 1 || c > p.NPRCRV) {
-    ERRSCN("(INPRPN) Illegal profile curve index!");
-    status = true;
+    fail("(INPRPN) Illegal profile curve index!", status);
     return;
   }
   auto& n = p.NPRPNT(c);
@@ -228,8 +228,7 @@ void RMPRCV(int c, bool& status) {
   status = false;
   ProfileData& p = profile();
   if (c < 1 || c > p.NPRCRV) {
-    ERRSCN("(RMPRCV) Illegal profile curve index!");
-    status = true;
+    fail("(RMPRCV) Illegal profile curve index!", status);
     return;
   }
   for (int k = c; k < p.NPRCRV; ++k) {

@@ -59,8 +59,7 @@ void MKPSMP(int curve, int& count, View1<XY> midpoints, bool& failed) {
   count = 0;
   const ProfileData& p = profile();
   if (curve < 1 || curve > p.NPRCRV) {
-    framework::ERRSCN("(MKPSMP) Illegal profile curve index!");
-    failed = true;
+    framework::fail("(MKPSMP) Illegal profile curve index!", failed);
     return;
   }
   const int n = p.NPRPNT(curve);

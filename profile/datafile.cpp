@@ -270,8 +270,7 @@ void PTKNTR(std::string_view name, bool quiet, bool& status) {
   bool st = false;
   fw::IQFUNT(unit, st);
   if (st) {
-    fw::ERRSCN("Could not obtain I/O unit!");
-    status = true;
+    fw::fail("Could not obtain I/O unit!", status);
     return;
   }
   if (fw::fileExists(file) && !quiet) {
@@ -357,8 +356,7 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   bool st = false;
   fw::IQFUNT(unit, st);
   if (st) {
-    fw::ERRSCN("Could not obtain I/O unit!");
-    status = true;
+    fw::fail("Could not obtain I/O unit!", status);
     return;
   }
   fw::program().workFileName = file;
@@ -379,13 +377,11 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   fw::GTFLHD(in, file, header, status);
   if (status) return;
   if (header.version < DataFileVersion) {
-    fw::ERRSCN("The version of \"{GRE" + file + "{RED\" is obsolete!");
-    status = true;
+    fw::fail("The version of \"{GRE" + file + "{RED\" is obsolete!", status);
     return;
   }
   if (header.version > DataFileVersion) {
-    fw::ERRSCN("The version of \"{GRE" + file + "{RED\" is unsupported!");
-    status = true;
+    fw::fail("The version of \"{GRE" + file + "{RED\" is unsupported!", status);
     return;
   }
 
@@ -393,8 +389,7 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   // with or without its extra record, and a curve record counts for none.
   int line = fw::HeaderLines;
   auto formatError = [&] {
-    fw::ERRSCN("Incorrect file format detected at line " + fmt::I(line, 6) + " read from " + file);
-    status = true;
+    fw::fail("Incorrect file format detected at line " + fmt::I(line, 6) + " read from " + file, status);
   };
 
   ProfileData& p = profile();
@@ -404,8 +399,7 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   if (!readRecord(records, {kind, accuracy, curves})) return formatError();
   ++line;
   if (curves >= MaxCurves + 1) {
-    fw::ERRSCN("Max number of profile curves exceeded!");
-    status = true;
+    fw::fail("Max number of profile curves exceeded!", status);
     return;
   }
   if (curves < 0) return formatError();
@@ -424,8 +418,7 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
     bool closed = p.PRCLSD(c);
     if (!readRecord(records, {points, closed, parameterization})) return formatError();
     if (points > MaxCurvePoints) {
-      fw::ERRSCN("Max number of profile curve points exceeded!");
-      status = true;
+      fw::fail("Max number of profile curve points exceeded!", status);
       return;
     }
     if (points < 0) return formatError();

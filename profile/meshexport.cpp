@@ -85,8 +85,7 @@ void XPMESH(bool& status) {
                  numVertices, View1<XY>(mesh.vertices), numTriangles,
                  View1<mesher::Triangle>(mesh.triangles), failed);
   if (numTriangles == 0) {
-    framework::ERRSCN("Could not establish interior mesh for profile!");
-    status = true;
+    framework::fail("Could not establish interior mesh for profile!", status);
     return;
   }
 

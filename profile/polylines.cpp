@@ -30,9 +30,8 @@ void IQPPOL(int maxCurves, int maxPerCurve, ProfilePolylines& result, bool& stat
     const int n = p.NPRPNT(c);
     result.points(c) = 0;
     if ((spline ? 10 * n : n) > limit) {
-      framework::ERRSCN(
-          "(IQPPOL) Number of defined profile curve points exceedes allocation limit!");
-      status = true;
+      framework::fail(
+          "(IQPPOL) Number of defined profile curve points exceedes allocation limit!", status);
       return;
     }
     // A polyline, or a curve too short for a segment, is its own points.

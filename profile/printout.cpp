@@ -117,8 +117,7 @@ void PRPRPN(bool& status) {
   status = false;
   const ProfileData& p = profile();
   if (p.NPRCRV <= 0) {
-    framework::ERRSCN("(PRPRPN) No profile curves available!");
-    status = true;
+    framework::fail("(PRPRPN) No profile curves available!", status);
     return;
   }
   // The current curve; a block without one shows its first curve.
@@ -149,8 +148,7 @@ void PROUTL(bool& status) {
   status = false;
   const ProfileData& p = profile();
   if (p.NPRCRV <= 0) {
-    framework::ERRSCN("No profile curves available!");
-    status = true;
+    framework::fail("No profile curves available!", status);
     return;
   }
   const framework::ProgramState& program = framework::program();

@@ -10,6 +10,7 @@ namespace kntr::spline {
 namespace {
 
 using framework::ERRSCN;
+using framework::fail;
 
 constexpr double Pi = 3.141592653589793;
 
@@ -59,13 +60,11 @@ void MKIKV3(int parameterization, SplineRecord& rec, bool& failed) {
   failed = false;
   const int n = rec.NOFFS;
   if (n < 2) {
-    ERRSCN("(MKIKV3) At least 2 offset points must be given!");
-    failed = true;
+    fail("(MKIKV3) At least 2 offset points must be given!", failed);
     return;
   }
   if (n > MaxOffsetPoints) {
-    ERRSCN("(MKIKV3) Max number of offset points exceeded!");
-    failed = true;
+    fail("(MKIKV3) Max number of offset points exceeded!", failed);
     return;
   }
   int code = parameterization;
