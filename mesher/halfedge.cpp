@@ -57,6 +57,31 @@ void IQSGIN(bool ray, double p1x, double p1y, double p2x, double p2y, double q1x
   found = true;
 }
 
+int linkHalfEdges(MeshData& m, int a, int b, int polygon) {
+  auto& he = m.HalfEdge;
+  const int e1 = m.NumHalfEdges + 1;
+  const int e2 = m.NumHalfEdges + 2;
+  m.NumHalfEdges += 2;
+  he(e1) = HalfEdgeRow{he(a).Vertex, polygon, he(a).Next, he(a).Twin};
+  he(e2) = HalfEdgeRow{he(b).Vertex, polygon, he(b).Next, he(b).Twin};
+  he(a).Next = e2;
+  he(b).Next = e1;
+  he(a).Twin = b;
+  he(b).Twin = a;
+  if (he(e1).Twin > 0) he(he(e1).Twin).Twin = e1;
+  if (he(e2).Twin > 0) he(he(e2).Twin).Twin = e2;
+
+  auto vertex = [&](int h) { return m.Vertices(he(h).Vertex); };
+  const XY va = vertex(a), vb = vertex(b);
+  const XY afterE1 = vertex(he(e1).Next);
+  const XY afterE2 = vertex(he(e2).Next);
+  m.CornerAngle(e1) = IQANGL(vb.x, vb.y, va.x, va.y, afterE1.x, afterE1.y);
+  m.CornerAngle(a) -= m.CornerAngle(e1);
+  m.CornerAngle(e2) = IQANGL(va.x, va.y, vb.x, vb.y, afterE2.x, afterE2.y);
+  m.CornerAngle(b) -= m.CornerAngle(e2);
+  return e1;
+}
+
 void INSEDG(MeshData& m, int a, int b, bool& status) {
   status = false;
   if (m.NumPolygons >= MaxSubPolygons) {
@@ -68,31 +93,8 @@ void INSEDG(MeshData& m, int a, int b, bool& status) {
     return;
   }
   auto& he = m.HalfEdge;
-  const int e1 = m.NumHalfEdges + 1;
-  const int e2 = m.NumHalfEdges + 2;
-  m.NumHalfEdges += 2;
   const int oldPolygon = he(a).Polygon;
-
-  // The new half-edges take over the old edges at a and b; a and b become
-  // the two sides of the new edge.
-  he(e1) = HalfEdgeRow{he(a).Vertex, oldPolygon, he(a).Next, he(a).Twin};
-  he(e2) = HalfEdgeRow{he(b).Vertex, oldPolygon, he(b).Next, he(b).Twin};
-  he(a).Next = e2;
-  he(b).Next = e1;
-  he(a).Twin = b;
-  he(b).Twin = a;
-  if (he(e1).Twin > 0) he(he(e1).Twin).Twin = e1;
-  if (he(e2).Twin > 0) he(he(e2).Twin).Twin = e2;
-
-  // Split the corner angles at both ends.
-  auto vertex = [&](int h) { return m.Vertices(he(h).Vertex); };
-  const XY va = vertex(a), vb = vertex(b);
-  const XY afterE1 = vertex(he(e1).Next);
-  const XY afterE2 = vertex(he(e2).Next);
-  m.CornerAngle(e1) = IQANGL(vb.x, vb.y, va.x, va.y, afterE1.x, afterE1.y);
-  m.CornerAngle(a) -= m.CornerAngle(e1);
-  m.CornerAngle(e2) = IQANGL(va.x, va.y, vb.x, vb.y, afterE2.x, afterE2.y);
-  m.CornerAngle(b) -= m.CornerAngle(e2);
+  const int e1 = linkHalfEdges(m, a, b, oldPolygon);
 
   // The cycle through e1 is the new polygon.
   m.NumPolygons += 1;

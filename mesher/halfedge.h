@@ -28,6 +28,13 @@ void IQSGIN(bool ray, double p1x, double p1y, double p2x, double p2y, double q1x
 // half-edge b (both of one polygon) and split the polygon in two.
 void INSEDG(MeshData& m, int a, int b, bool& status);
 
+// Links the start vertices of half-edges a and b by a new edge: two new
+// half-edges (in `polygon`) take over the old edges at a and b, a and b
+// become the two sides of the new edge, and the corner angles at both ends
+// are split. Returns the new half-edge that follows b. The caller has made
+// sure there is room for two more half-edges.
+int linkHalfEdges(MeshData& m, int a, int b, int polygon);
+
 // INSVTX: put a new vertex (x, y) into half-edge `edge` and its twin; `added`
 // is the half-edge that starts at the new vertex on the side of `edge`.
 void INSVTX(MeshData& m, double x, double y, int edge, int& added, bool& status);

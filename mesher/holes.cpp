@@ -178,25 +178,7 @@ void JNHBOB(MeshData& m, int top, View1<int> intAux, View1<double> realAux, bool
     fail("(JNHBOB) Max number of polygon vertices exceeded!", status);
     return;
   }
-  const int e1 = m.NumHalfEdges + 1;
-  const int e2 = m.NumHalfEdges + 2;
-  m.NumHalfEdges += 2;
-  he(e1) = HalfEdgeRow{he(top).Vertex, polygon, he(top).Next, he(top).Twin};
-  he(e2) = HalfEdgeRow{he(target).Vertex, polygon, he(target).Next, he(target).Twin};
-  he(top).Next = e2;
-  he(target).Next = e1;
-  he(top).Twin = target;
-  he(target).Twin = top;
-  if (he(e1).Twin > 0) he(he(e1).Twin).Twin = e1;
-  if (he(e2).Twin > 0) he(he(e2).Twin).Twin = e2;
-  const XY pt = at(top);
-  const XY pw = at(target);
-  const XY afterE1 = at(he(e1).Next);
-  const XY afterE2 = at(he(e2).Next);
-  m.CornerAngle(e1) = IQANGL(pw.x, pw.y, pt.x, pt.y, afterE1.x, afterE1.y);
-  m.CornerAngle(top) -= m.CornerAngle(e1);
-  m.CornerAngle(e2) = IQANGL(pt.x, pt.y, pw.x, pw.y, afterE2.x, afterE2.y);
-  m.CornerAngle(target) -= m.CornerAngle(e2);
+  linkHalfEdges(m, top, target, polygon);
 }
 
 }  // namespace kntr::mesher
