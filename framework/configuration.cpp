@@ -7,6 +7,7 @@
 
 #include "framework/files.h"
 #include "framework/format.h"
+#include "framework/projects.h"
 #include "framework/startup.h"
 #include "framework/state.h"
 #include "framework/text.h"
@@ -974,15 +975,8 @@ void RDTERM(std::string_view fileName, bool& status) {
     status = true;
     return;
   }
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
   TextReader reader;
-  if (const int io = reader.open(unit, name); io != 0) {
-    IOERRM('O', name, io);
-    status = true;
-    return;
-  }
+  if (!openOnFreeUnit(reader, name, status)) return;
   std::string line, value;
   for (;;) {
     const int io = reader.readLine(line);

@@ -336,16 +336,8 @@ void OPPRNT(int target, std::string_view fileName, std::string_view model, int l
   s.linesPerPage = linesPerPage > 0 ? linesPerPage : DefaultPageLines;
   s.headingName = configuration().printerHeadingName;
 
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
   program().workFileName = s.fileName;
-  const int io = jobFile().open(unit, s.fileName);
-  if (io != 0) {
-    IOERRM('O', s.fileName, io);
-    status = true;
-    return;
-  }
+  if (!openOnFreeUnit(jobFile(), s.fileName, status)) return;
   s.open = true;
   s.line = s.setup;
 

@@ -220,6 +220,20 @@ bool writeLines(AtomicWriter& file, std::string_view name, std::span<const std::
   return true;
 }
 
+template <class File>
+bool openFile(File& file, std::string_view name, bool& status) {
+  status = false;
+  int unit = 0;
+  IQFUNT(unit, status);
+  if (status) return false;
+  if (const int io = file.open(unit, name); io != 0) {
+    IOERRM('O', name, io);
+    status = true;
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 // --- File names --------------------------------------------------------------
@@ -358,17 +372,8 @@ void STPJCT(int version, bool& status) {
   IQISFN("PJCT", name, status);
   if (status) return;
   p.workFileName = name;
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
-
   AtomicWriter file;
-  int io = file.open(unit, name);
-  if (io != 0) {
-    IOERRM('O', name, io);
-    status = true;
-    return;
-  }
+  if (!openOnFreeUnit(file, name, status)) return;
   PTFLHD(file, version, status);
   if (status) return;
 
@@ -387,6 +392,14 @@ void STPJCT(int version, bool& status) {
       "weight-units=" + fmt::I(p.weightUnit, 4),
   };
   writeLinesAndCommit(file, name, lines, status);
+}
+
+bool openOnFreeUnit(TextReader& file, std::string_view name, bool& status) {
+  return openFile(file, name, status);
+}
+
+bool openOnFreeUnit(AtomicWriter& file, std::string_view name, bool& status) {
+  return openFile(file, name, status);
 }
 
 void writeLinesAndCommit(AtomicWriter& file, std::string_view name,
@@ -415,16 +428,8 @@ void LDPJCT(bool& status) {
     fail("Project file ** {gre" + name + "{red ** does not exist", status);
     return;
   }
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
   TextReader file;
-  int io = file.open(unit, name);
-  if (io != 0) {
-    IOERRM('O', name, io);
-    status = true;
-    return;
-  }
+  if (!openOnFreeUnit(file, name, status)) return;
   FileHeader header;
   GTFLHD(file, name, header, status);
   if (status) return;
@@ -434,6 +439,7 @@ void LDPJCT(bool& status) {
     status = true;
   };
   std::string line;
+  int io = 0;
   for (;;) {
     io = file.readLine(line);
     if (io == -1) break;
@@ -778,16 +784,8 @@ void readHeaderOnly(std::string_view name, bool& loaded, bool& status) {
   status = false;
   loaded = false;
   if (!fileExists(name)) return;
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
   TextReader file;
-  const int io = file.open(unit, name);
-  if (io != 0) {
-    IOERRM('O', name, io);
-    status = true;
-    return;
-  }
+  if (!openOnFreeUnit(file, name, status)) return;
   FileHeader header;
   GTFLHD(file, name, header, status);
   if (status) return;

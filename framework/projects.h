@@ -99,6 +99,11 @@ void GTTIME(std::string& time);
 // failures are reported under the work file name.
 void PTFLHD(AtomicWriter& file, int version, bool& status);
 
+// Opens `file` on a free unit (IQFUNT); a failure to open is told by IOERRM
+// (O with `name`), and either failure sets the status.
+bool openOnFreeUnit(TextReader& file, std::string_view name, bool& status);
+bool openOnFreeUnit(AtomicWriter& file, std::string_view name, bool& status);
+
 // Writes `lines` to the open `file` and puts the new version in place; a
 // failure is told by IOERRM (W or C with `name`) and sets the status.
 void writeLinesAndCommit(AtomicWriter& file, std::string_view name,

@@ -135,18 +135,11 @@ void LDPJTP(bool& status) {
   IQISFN("PJTP", name, status);
   if (status) return;
   if (!fileExists(name)) return;
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
-  TextReader file;
   p.workFileName = name;
-  int io = file.open(unit, name);
-  if (io != 0) {
-    IOERRM('O', name, io);
-    status = true;
-    return;
-  }
+  TextReader file;
+  if (!openOnFreeUnit(file, name, status)) return;
   std::string line;
+  int io = 0;
   while ((io = file.readLine(line)) == 0) {
     if (line.size() > 268) line.resize(268);
     if (fmt::trimmedLength(line) == 0) continue;
@@ -181,17 +174,9 @@ void STPJTP(int mode, bool& status) {
   std::string name;
   IQISFN("PJTP", name, status);
   if (status) return;
-  int unit = 0;
-  IQFUNT(unit, status);
-  if (status) return;
   p.workFileName = name;
   AtomicWriter file;
-  int io = file.open(unit, name);
-  if (io != 0) {
-    IOERRM('O', name, io);
-    status = true;
-    return;
-  }
+  if (!openOnFreeUnit(file, name, status)) return;
   const std::string lines[] = {std::string("execution-mode=") + modeWord(mode),
                                "project=" + std::string(fmt::trimmed(p.projectName))};
   writeLinesAndCommit(file, name, lines, status);
