@@ -1,9 +1,12 @@
 #include "graphics/plotstate.h"
 
-#include <map>
+#include <algorithm>
+#include <cctype>
+#include <cmath>
 #include <string>
 
 #include "framework/text.h"
+#include "platform/drawing.h"
 
 namespace kntr::graphics {
 
@@ -31,15 +34,59 @@ const char* const textRealNames[] = {
     "txthgh", "lblxhg", "lblyhg", "tltphg", "tltxhg", "tltyhg", "txtwth", "lblxwh", "lblywh",
     "tltpwh", "tltxwh", "tltywh", "xaxpla", "yaxpla"};
 
+// Integer attributes of the element classes, all starting at 1 (colour 1,
+// solid lines, font 1, ...), and the real text attributes.
+constexpr int IntegerCount = sizeof(integerNames) / sizeof(integerNames[0]);
+constexpr int RealCount = sizeof(textRealNames) / sizeof(textRealNames[0]);
+
+int integerIndex(std::string_view name) {
+  for (int k = 0; k < IntegerCount; ++k)
+    if (name == integerNames[k]) return k;
+  return -1;
+}
+
+int realIndex(std::string_view name) {
+  for (int k = 0; k < RealCount; ++k)
+    if (name == textRealNames[k]) return k;
+  return -1;
+}
+
+// Default label origins of text, x label, y label, plot title, x title,
+// y title.
+constexpr int labelOrigins[6] = {1, 6, 8, 4, 9, 7};
+// Label origin and frame flag attributes of the six classes, for GINIT mode 2.
+const char* const originNames[6] = {"txtlrg", "lblxlg", "lblylg", "tltplg", "tltxlg", "tltylg"};
+const char* const frameNames[6] = {"txtfrm", "lblxfr", "lblyfr", "tltpfr", "tltxfr", "tltyfr"};
+const char* const fillNames[9] = {"txtftp", "lblxft", "lblyft", "tltpft", "tltxft",
+                                  "tltyft", "plgftp", "elpftp", "bgrftp"};
+
 struct Attributes {
-  std::map<std::string, int> integers;
-  std::map<std::string, double> reals;
-  Attributes() {
-    for (const char* name : integerNames) integers[name] = 1;
-    for (const char* name : textRealNames) reals[name] = 0.0;
-    reals["txtsiz"] = 1.0;
-    reals["lblxsz"] = reals["lblysz"] = reals["tltxsz"] = reals["tltysz"] = 0.8;
-    reals["tltpsz"] = 1.2;
+  int integers[IntegerCount];
+  double reals[RealCount];
+  Attributes() { defaults(); }
+  // Every colour, style, font, fill 1; frames 0; the text classes' sizes,
+  // widths, heights, angles and label origins.
+  void defaults() {
+    for (int& v : integers) v = 1;
+    for (double& v : reals) v = 0.0;
+    static const char* const classes[6][7] = {
+        // size,   angle,    width,    height,   origin,   frame,    (gap)
+        {"txtsiz", "txtang", "txtwth", "txthgh", "txtlrg", "txtfrm", "txtgap"},
+        {"lblxsz", "lblxan", "lblxwh", "lblxhg", "lblxlg", "lblxfr", "lblxgp"},
+        {"lblysz", "lblyan", "lblywh", "lblyhg", "lblylg", "lblyfr", "lblygp"},
+        {"tltpsz", "tltpan", "tltpwh", "tltphg", "tltplg", "tltpfr", "tltpgp"},
+        {"tltxsz", "tltxan", "tltxwh", "tltxhg", "tltxlg", "tltxfr", "tltxgp"},
+        {"tltysz", "tltyan", "tltywh", "tltyhg", "tltylg", "tltyfr", "tltygp"}};
+    const double sizes[6] = {1.0, 0.8, 0.8, 1.2, 0.8, 0.8};
+    const double angles[6] = {0.0, 0.0, 0.0, 0.0, 0.0, 90.0};
+    for (int c = 0; c < 6; ++c) {
+      reals[realIndex(classes[c][0])] = sizes[c];
+      reals[realIndex(classes[c][1])] = angles[c];
+      reals[realIndex(classes[c][2])] = 0.017;
+      reals[realIndex(classes[c][3])] = 0.025;
+      integers[integerIndex(classes[c][4])] = labelOrigins[c];
+      integers[integerIndex(classes[c][5])] = 0;
+    }
   }
 };
 
@@ -96,6 +143,117 @@ bool scaleRectangle(const char* routine, bool equalUnits, double& xmin, double& 
     ymax = ymax + half;
   }
   return true;
+}
+
+
+RedrawClient redrawClient = nullptr;
+
+platform::Device* device() {
+  const PlotState& s = state();
+  if (s.deviceFailed) return nullptr;
+  return platform::currentDevice();
+}
+
+bool drawingDevice() {
+  const int code = state().device;
+  return code != DeviceNone && code != DeviceNoDrawing;
+}
+
+// Clip rectangle of the present mode, in world units.
+Rectangle clipRectangle(const PlotState& s) {
+  switch (s.iclipx) {
+    case ClipOff:
+      return Rectangle{s.plot.xmin - 1, s.plot.xmax + 1, s.plot.ymin - 1, s.plot.ymax + 1};
+    case ClipDigit: return s.digit;
+    case ClipMargin: return s.margin;
+    case ClipScale: return s.scale;
+    default: return s.plot;
+  }
+}
+
+// Hand the clip rectangle of the present mode to the device.
+void applyClip() {
+  platform::Device* d = device();
+  if (!d || !drawingDevice()) return;
+  const Rectangle r = clipRectangle(state());
+  double x1, y1, x2, y2;
+  worldToDevice(r.xmin, r.ymin, x1, y1);
+  worldToDevice(r.xmax, r.ymax, x2, y2);
+  d->clip(std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2));
+}
+
+// Cut the segment (x0, y0)-(x1, y1) to the rectangle; false when nothing
+// of it is inside.
+bool clipSegment(const Rectangle& r, double& x0, double& y0, double& x1, double& y1) {
+  double t0 = 0.0, t1 = 1.0;
+  const double dx = x1 - x0, dy = y1 - y0;
+  const double p[4] = {-dx, dx, -dy, dy};
+  const double q[4] = {x0 - r.xmin, r.xmax - x0, y0 - r.ymin, r.ymax - y0};
+  for (int k = 0; k < 4; ++k) {
+    if (p[k] == 0.0) {
+      if (q[k] < 0.0) return false;
+      continue;
+    }
+    const double t = q[k] / p[k];
+    if (p[k] < 0.0) {
+      if (t > t1) return false;
+      if (t > t0) t0 = t;
+    } else {
+      if (t < t0) return false;
+      if (t < t1) t1 = t;
+    }
+  }
+  const double ax = x0 + t0 * dx, ay = y0 + t0 * dy;
+  const double bx = x0 + t1 * dx, by = y0 + t1 * dy;
+  x0 = ax;
+  y0 = ay;
+  x1 = bx;
+  y1 = by;
+  return true;
+}
+
+// Where the device's pen stands, in device units, to spare repeated moves.
+struct DevicePen {
+  bool known = false;
+  double x = 0.0, y = 0.0;
+};
+DevicePen& devicePen() {
+  static DevicePen pen;
+  return pen;
+}
+
+// A clipped line in world units on the device.
+void deviceLine(double x0, double y0, double x1, double y1) {
+  platform::Device* d = device();
+  if (!d) return;
+  if (!clipSegment(clipRectangle(state()), x0, y0, x1, y1)) return;
+  double a, b, c, e;
+  worldToDevice(x0, y0, a, b);
+  worldToDevice(x1, y1, c, e);
+  DevicePen& pen = devicePen();
+  if (!pen.known || pen.x != a || pen.y != b) d->move(a, b);
+  d->draw(c, e);
+  pen = DevicePen{true, c, e};
+}
+
+void setDeviceColour(int colour) {
+  PlotState& s = state();
+  platform::Device* d = device();
+  if (!d || s.deviceColour == colour) return;
+  d->color(s.lineWidth, colour);
+  s.deviceColour = colour;
+}
+
+int& integerAttribute(const char* name) { return attributes().integers[integerIndex(name)]; }
+
+// Refuse drawing when there is no device to draw on.
+bool drawable() {
+  PlotState& s = state();
+  if (s.device == DeviceNone || s.device == DeviceNoDrawing) {
+    s.deviceFailed = true;
+    return false;
+  }
+  return !s.deviceFailed && platform::currentDevice() != nullptr;
 }
 
 }  // namespace
@@ -183,81 +341,328 @@ void GCLIPM(std::string_view mode) {
     return;
   }
   state().iclipx = code;
+  applyClip();
 }
 
 void GINQRL(std::string_view name, double& value, bool& status) {
   status = false;
   const PlotState& s = state();
-  const std::string n(name);
-  const std::map<std::string, double> rectangles = {
+  struct Named {
+    const char* name;
+    double value;
+  };
+  const Rectangle clip = clipRectangle(s);
+  const Named fields[] = {
       {"xaxmin", s.scale.xmin},  {"xaxmax", s.scale.xmax},  {"yaxmin", s.scale.ymin},
       {"yaxmax", s.scale.ymax},  {"xmgmin", s.margin.xmin}, {"xmgmax", s.margin.xmax},
       {"ymgmin", s.margin.ymin}, {"ymgmax", s.margin.ymax}, {"xdgtmn", s.digit.xmin},
       {"xdgtmx", s.digit.xmax},  {"ydgtmn", s.digit.ymin},  {"ydgtmx", s.digit.ymax},
-      {"asprto", s.asprto},      {"xsizem", s.xsizem},      {"ysizem", s.ysizem},
-      {"mgntop", s.mgntop},      {"mgnbot", s.mgnbot},      {"mgnlft", s.mgnlft},
-      {"mgnrgh", s.mgnrgh}};
-  if (auto it = rectangles.find(n); it != rectangles.end()) {
-    value = it->second;
-    return;
-  }
-  if (n == "xclmin" || n == "xclmax" || n == "yclmin" || n == "yclmax") {
-    Rectangle r = s.plot;
-    switch (s.iclipx) {
-      case ClipOff: r = Rectangle{s.plot.xmin - 1, s.plot.xmax + 1, s.plot.ymin - 1, s.plot.ymax + 1}; break;
-      case ClipDigit: r = s.digit; break;
-      case ClipMargin: r = s.margin; break;
-      case ClipScale: r = s.scale; break;
-      default: break;
+      {"xclmin", clip.xmin},     {"xclmax", clip.xmax},     {"yclmin", clip.ymin},
+      {"yclmax", clip.ymax},     {"asprto", s.asprto},      {"xsizem", s.xsizem},
+      {"ysizem", s.ysizem},      {"mgntop", s.mgntop},      {"mgnbot", s.mgnbot},
+      {"mgnlft", s.mgnlft},      {"mgnrgh", s.mgnrgh},      {"mrksiz", s.markerSize}};
+  for (const Named& f : fields) {
+    if (name == f.name) {
+      value = f.value;
+      return;
     }
-    value = n == "xclmin" ? r.xmin : n == "xclmax" ? r.xmax : n == "yclmin" ? r.ymin : r.ymax;
+  }
+  if (const int k = realIndex(name); k >= 0) {
+    value = attributes().reals[k];
     return;
   }
-  if (auto it = attributes().reals.find(n); it != attributes().reals.end()) {
-    value = it->second;
+  fail("PLOT ERROR FROM SUBROUTINE ** GINQRL **{nwl(unknown attribute " + std::string(name) + ")",
+       status);
+}
+
+void GSETRL(std::string_view name, double value, bool& status) {
+  status = false;
+  if (const int k = realIndex(name); k >= 0) {
+    attributes().reals[k] = value;
     return;
   }
-  fail("PLOT ERROR FROM SUBROUTINE ** GINQRL **{nwl(unknown attribute " + n + ")", status);
+  fail("PLOT ERROR FROM SUBROUTINE ** GSETRL **{nwl(unknown attribute " + std::string(name) + ")",
+       status);
 }
 
 void GINQIN(std::string_view name, int& value, bool& status) {
   status = false;
-  const std::string n(name);
-  if (n == "iclipx") {
+  if (name == "iclipx") {
     value = state().iclipx;
     return;
   }
-  if (n == "reset") {
+  if (name == "reset") {
     value = state().reset;
     return;
   }
-  if (auto it = attributes().integers.find(n); it != attributes().integers.end()) {
-    value = it->second;
+  if (const int k = integerIndex(name); k >= 0) {
+    value = attributes().integers[k];
     return;
   }
-  fail("PLOT ERROR FROM SUBROUTINE ** GINQIN **{nwl(unknown attribute " + n + ")", status);
+  fail("PLOT ERROR FROM SUBROUTINE ** GINQIN **{nwl(unknown attribute " + std::string(name) + ")",
+       status);
 }
 
 void GSETIN(std::string_view name, int value, bool& status) {
   status = false;
-  const std::string n(name);
-  if (n == "iclipx") {
+  if (name == "iclipx") {
     if (value < ClipOff || value > ClipScale) {
       fail("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(clip mode must be in [1,5])", status);
       return;
     }
     state().iclipx = value;
-      return;
+    applyClip();
+    return;
   }
-  if (n == "reset") {
+  if (name == "reset") {
     state().reset = value;
     return;
   }
-  if (auto it = attributes().integers.find(n); it != attributes().integers.end()) {
-    it->second = value;
+  if (const int k = integerIndex(name); k >= 0) {
+    attributes().integers[k] = value;
     return;
   }
-  fail("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(unknown attribute " + n + ")", status);
+  fail("PLOT ERROR FROM SUBROUTINE ** GSETIN **{nwl(unknown attribute " + std::string(name) + ")",
+       status);
+}
+
+void GINIT(int mode) {
+  Attributes& a = attributes();
+  if (mode == 1) {
+    a.defaults();
+    PlotState& s = state();
+    s.mgntop = s.mgnbot = s.mgnlft = s.mgnrgh = 0.2;
+    s.digitLeft = s.digitRight = s.digitBottom = s.digitTop = 0.2;
+    s.markerSize = 1.0;
+    s.iclipx = ClipOff;
+    G2SCAL(0.0, 1.0, 0.0, 1.0);
+    GMOVE2(s.plot.xmin, s.plot.ymin);
+    return;
+  }
+  if (state().reset != 0) return;
+  for (int c = 0; c < 6; ++c) {
+    a.integers[integerIndex(originNames[c])] = labelOrigins[c];
+    a.integers[integerIndex(frameNames[c])] = 0;
+  }
+  for (const char* name : fillNames) a.integers[integerIndex(name)] = 1;
+}
+
+void GCOLOR(int colour) {
+  const PlotState& s = state();
+  if (colour < 0 || colour > s.colours) {
+    ERRSCN("PLOT ERROR FROM SUBROUTINE ** GCOLOR **{nwl(color number must be in [1," +
+           std::to_string(s.colours) + "]");
+    return;
+  }
+  for (int k = 0; k < 23; ++k) attributes().integers[k] = colour;
+}
+
+void GLORG(int lorg) {
+  if (lorg < 1 || lorg > 9) {
+    ERRSCN("PLOT ERROR FROM ** GLORG **{nwl(lorg must be in [1,9])");
+    return;
+  }
+  for (const char* name : originNames) integerAttribute(name) = lorg;
+}
+
+void GTSIZE(double factor, bool& status) {
+  status = false;
+  if (!(factor > 0.0)) {
+    fail("(GTSIZE) text size scale factor must be positive", status);
+    return;
+  }
+  Attributes& a = attributes();
+  a.reals[realIndex("txtsiz")] = factor;
+  a.reals[realIndex("lblxsz")] = a.reals[realIndex("lblysz")] = 0.8 * factor;
+  a.reals[realIndex("tltpsz")] = 1.2 * factor;
+  a.reals[realIndex("tltxsz")] = a.reals[realIndex("tltysz")] = 0.8 * factor;
+}
+
+void GTANGL(double degrees) {
+  for (const char* name : {"txtang", "lblxan", "lblyan", "tltpan", "tltxan", "tltyan"})
+    attributes().reals[realIndex(name)] = degrees;
+}
+
+void GMSIZE(double size) {
+  if (!(size > 0.0)) {
+    ERRSCN("PLOT ERROR FROM SUBROUTINE ** GMSIZE **");
+    return;
+  }
+  state().markerSize = size;
+}
+
+void GPALET(int number) {
+  PlotState& s = state();
+  if (number < 1 || number > platform::PaletteCount) return;
+  s.palette = number;
+  s.colours = number == 1 ? 16 : platform::PaletteColours;
+  if (platform::Device* d = device()) d->palette(number);
+  s.deviceColour = -1;
+}
+
+void GMOVE2(double x, double y) {
+  PlotState& s = state();
+  s.penX = x;
+  s.penY = y;
+  if (!drawable()) return;
+}
+
+void GDRAW2(double x, double y) {
+  PlotState& s = state();
+  const double x0 = s.penX, y0 = s.penY;
+  s.penX = x;
+  s.penY = y;
+  if (!drawable()) return;
+  setDeviceColour(integerAttribute("lincol"));
+  deviceLine(x0, y0, x, y);
+}
+
+void GPOLY2(int n, const double* x, const double* y) {
+  if (n < 1) return;
+  GMOVE2(x[0], y[0]);
+  if (drawable()) {
+    setDeviceColour(integerAttribute("lincol"));
+    for (int k = 1; k < n; ++k) deviceLine(x[k - 1], y[k - 1], x[k], y[k]);
+  }
+  PlotState& s = state();
+  s.penX = x[n - 1];
+  s.penY = y[n - 1];
+  GINIT(2);
+}
+
+void GCLEAR(std::string_view name) {
+  std::string n(name);
+  for (char& c : n) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  const PlotState& s = state();
+  Rectangle r;
+  if (n == "plot") r = s.plot;
+  else if (n == "display") r = s.digit;
+  else if (n == "margin") r = s.margin;
+  else if (n == "scale") r = s.scale;
+  else return;
+  if (!drawable()) return;
+  double x1, y1, x2, y2;
+  worldToDevice(r.xmin, r.ymin, x1, y1);
+  worldToDevice(r.xmax, r.ymax, x2, y2);
+  platform::Device* d = device();
+  d->clear(std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2));
+  devicePen().known = false;
+}
+
+void GFRAME(std::string_view name) {
+  const PlotState& s = state();
+  const Rectangle* r = name == "plot"     ? &s.plot
+                       : name == "scale"  ? &s.scale
+                       : name == "margin" ? &s.margin
+                                          : nullptr;
+  if (r) {
+    const Rectangle box = *r;
+    GMOVE2(box.xmin, box.ymin);
+    GDRAW2(box.xmax, box.ymin);
+    GDRAW2(box.xmax, box.ymax);
+    GDRAW2(box.xmin, box.ymax);
+    GDRAW2(box.xmin, box.ymin);
+    return;
+  }
+  const char* const classes[6] = {"text", "xlabel", "ylabel", "ptitle", "xtitle", "ytitle"};
+  for (int c = 0; c < 6; ++c)
+    if (name == classes[c]) integerAttribute(frameNames[c]) = 1;
+}
+
+void strokeColour(int colour) {
+  if (drawable()) setDeviceColour(colour);
+}
+
+void strokeMove(double x, double y) {
+  PlotState& s = state();
+  s.penX = x;
+  s.penY = y;
+}
+
+void strokeDraw(double x, double y) {
+  PlotState& s = state();
+  const double x0 = s.penX, y0 = s.penY;
+  s.penX = x;
+  s.penY = y;
+  if (drawable()) deviceLine(x0, y0, x, y);
+}
+
+void worldPerDeviceUnit(double& dx, double& dy) {
+  const PlotState& s = state();
+  dx = (s.plot.xmax - s.plot.xmin) / std::max(1, s.widthUnits - 1);
+  dy = (s.plot.ymax - s.plot.ymin) / std::max(1, s.heightUnits - 1);
+}
+
+void worldToDevice(double x, double y, double& dx, double& dy) {
+  const PlotState& s = state();
+  if (s.deviceFailed) {
+    dx = dy = 0.0;
+    return;
+  }
+  const double u = (x - s.plot.xmin) / (s.plot.xmax - s.plot.xmin);
+  const double v = (y - s.plot.ymin) / (s.plot.ymax - s.plot.ymin);
+  const double w = s.widthUnits - 1, h = s.heightUnits - 1;
+  if (s.device == DevicePageFile) {
+    dx = w * u;
+    dy = h * v;
+  } else if (s.device == DevicePlotter || s.device == DevicePlotter2) {
+    dx = std::round(w * u);
+    dy = std::round(h * v);
+  } else {
+    dx = std::round(w * u);
+    dy = std::round(h * (1.0 - v));
+  }
+}
+
+void deviceToWorld(double dx, double dy, double& x, double& y) {
+  const PlotState& s = state();
+  const double w = s.widthUnits - 1, h = s.heightUnits - 1;
+  const double u = dx / w;
+  const double v = (s.device == DevicePageFile || s.device == DevicePlotter ||
+                    s.device == DevicePlotter2)
+                       ? dy / h
+                       : 1.0 - dy / h;
+  x = s.plot.xmin + u * (s.plot.xmax - s.plot.xmin);
+  y = s.plot.ymin + v * (s.plot.ymax - s.plot.ymin);
+}
+
+void attachDevice(int code, platform::Device* device) {
+  PlotState& s = state();
+  flushPlot();
+  platform::setDevice(device);
+  s.device = device ? code : (code == DeviceNone ? DeviceNone : DeviceNoDrawing);
+  s.deviceFailed = false;
+  s.deviceColour = -1;
+  devicePen().known = false;
+  if (device) {
+    device->palette(s.palette);
+    rescalePlotState(device->width(), device->height(), device->widthMm(), device->heightMm());
+  }
+}
+
+void rescalePlotState(int width, int height, double widthMm, double heightMm) {
+  PlotState& s = state();
+  s.widthUnits = std::max(2, width);
+  s.heightUnits = std::max(2, height);
+  s.xsizem = widthMm;
+  s.ysizem = heightMm;
+  s.asprto = double(s.heightUnits) / double(s.widthUnits);
+  devicePen().known = false;
+  applyClip();
+}
+
+void setRedrawClient(RedrawClient client) { redrawClient = client; }
+
+void redrawPlot(int mode, bool& status) {
+  status = false;
+  if (!redrawClient) return;
+  redrawClient(true, false, status);
+  if (!status) redrawClient(false, mode == 2, status);
+  flushPlot();
+}
+
+void flushPlot() {
+  if (platform::Device* d = platform::currentDevice()) d->flush();
 }
 
 }  // namespace kntr::graphics

@@ -1,0 +1,242 @@
+#include "platform/cairodevice.h"
+
+#include <cairo-pdf.h>
+#include <cairo-svg.h>
+#include <cairo.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace kntr::platform {
+
+namespace {
+
+// A temporary name beside the file it will replace.
+std::string temporaryName(const std::string& path) {
+  return path + ".part" + std::to_string(::getpid());
+}
+
+// Line width in device units for width index 1..3.
+double lineWidthOf(int index) { return index <= 1 ? 1.0 : index == 2 ? 2.0 : 3.0; }
+
+}  // namespace
+
+PictureKind pictureKind(std::string_view fileName) {
+  const auto dot = fileName.rfind('.');
+  if (dot == std::string_view::npos) return PictureKind::None;
+  std::string ext(fileName.substr(dot + 1));
+  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  if (ext == "png") return PictureKind::Png;
+  if (ext == "svg") return PictureKind::Svg;
+  if (ext == "pdf") return PictureKind::Pdf;
+  return PictureKind::None;
+}
+
+CairoDevice::CairoDevice(cairo_surface_t* surface, bool owned, int width, int height, double dpi)
+    : surface_(surface), owned_(owned), width_(width), height_(height), dpi_(dpi) {
+  cr_ = cairo_create(surface_);
+  cairo_set_line_cap(cr_, CAIRO_LINE_CAP_ROUND);
+  cairo_set_line_join(cr_, CAIRO_LINE_JOIN_ROUND);
+  cairo_set_line_width(cr_, 1.0);
+}
+
+CairoDevice::~CairoDevice() {
+  if (cr_) cairo_destroy(cr_);
+  if (surface_ && owned_) cairo_surface_destroy(surface_);
+  if (!temporary_.empty()) std::remove(temporary_.c_str());
+}
+
+std::unique_ptr<CairoDevice> CairoDevice::image(int width, int height, double dpi) {
+  if (width < 1 || height < 1) return nullptr;
+  cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(s);
+    return nullptr;
+  }
+  std::unique_ptr<CairoDevice> d(new CairoDevice(s, true, width, height, dpi));
+  d->clear(0, 0, width, height);
+  return d;
+}
+
+std::unique_ptr<CairoDevice> CairoDevice::file(PictureKind kind, const std::string& path,
+                                               int width, int height, double dpi,
+                                               std::string& error) {
+  if (width < 1 || height < 1) {
+    error = "picture size must be positive";
+    return nullptr;
+  }
+  const std::string temporary = temporaryName(path);
+  cairo_surface_t* s = nullptr;
+  if (kind == PictureKind::Svg)
+    s = cairo_svg_surface_create(temporary.c_str(), width, height);
+  else if (kind == PictureKind::Pdf)
+    s = cairo_pdf_surface_create(temporary.c_str(), width, height);
+  else {
+    error = "not a vector picture";
+    return nullptr;
+  }
+  if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+    error = cairo_status_to_string(cairo_surface_status(s));
+    cairo_surface_destroy(s);
+    std::remove(temporary.c_str());
+    return nullptr;
+  }
+  std::unique_ptr<CairoDevice> d(new CairoDevice(s, true, width, height, dpi));
+  d->path_ = path;
+  d->temporary_ = temporary;
+  d->clear(0, 0, width, height);
+  return d;
+}
+
+std::unique_ptr<CairoDevice> CairoDevice::onSurface(cairo_surface_t* surface, int width,
+                                                    int height, double dpi) {
+  return std::unique_ptr<CairoDevice>(new CairoDevice(surface, false, width, height, dpi));
+}
+
+void CairoDevice::setSource(int colour) {
+  const Rgb c = paletteColour(table_, colour, mode_);
+  cairo_set_source_rgb(cr_, c.red / 255.0, c.green / 255.0, c.blue / 255.0);
+}
+
+void CairoDevice::strokePending() {
+  if (!pending_) return;
+  double x = 0.0, y = 0.0;
+  cairo_get_current_point(cr_, &x, &y);
+  setSource(colour_);
+  cairo_set_line_width(cr_, lineWidthOf(lineWidth_));
+  cairo_set_antialias(cr_, hairline_ ? CAIRO_ANTIALIAS_NONE : CAIRO_ANTIALIAS_DEFAULT);
+  cairo_stroke(cr_);
+  // the pen stays where the last line ended
+  cairo_move_to(cr_, x, y);
+  pending_ = false;
+}
+
+// Pixel positions are the centres of pixels, so one-pixel lines stay sharp.
+void CairoDevice::move(double x, double y) {
+  cairo_move_to(cr_, x + 0.5, y + 0.5);
+  penX_ = x;
+  penY_ = y;
+}
+
+void CairoDevice::draw(double x, double y) {
+  if (!cairo_has_current_point(cr_)) cairo_move_to(cr_, penX_ + 0.5, penY_ + 0.5);
+  cairo_line_to(cr_, x + 0.5, y + 0.5);
+  penX_ = x;
+  penY_ = y;
+  pending_ = true;
+}
+
+void CairoDevice::color(int lineWidth, int colour) {
+  if (colour == colour_ && lineWidth == lineWidth_) return;
+  strokePending();
+  colour_ = colour;
+  lineWidth_ = lineWidth;
+}
+
+void CairoDevice::polygon(int n, const double* xy) {
+  strokePending();
+  if (n < 3) return;
+  cairo_new_path(cr_);
+  cairo_move_to(cr_, xy[0] + 0.5, xy[1] + 0.5);
+  for (int k = 1; k < n; ++k) cairo_line_to(cr_, xy[2 * k] + 0.5, xy[2 * k + 1] + 0.5);
+  cairo_close_path(cr_);
+  setSource(colour_);
+  cairo_set_antialias(cr_, CAIRO_ANTIALIAS_DEFAULT);
+  cairo_fill(cr_);
+}
+
+void CairoDevice::clear(double left, double top, double right, double bottom) {
+  strokePending();
+  cairo_new_path(cr_);
+  cairo_save(cr_);
+  cairo_reset_clip(cr_);
+  setSource(0);
+  cairo_rectangle(cr_, left, top, right - left + 1.0, bottom - top + 1.0);
+  cairo_fill(cr_);
+  cairo_restore(cr_);
+}
+
+void CairoDevice::clip(double x1, double y1, double x2, double y2) {
+  strokePending();
+  cairo_new_path(cr_);
+  cairo_reset_clip(cr_);
+  cairo_rectangle(cr_, x1, y1, x2 - x1 + 1.0, y2 - y1 + 1.0);
+  cairo_clip(cr_);
+}
+
+void CairoDevice::palette(int table) {
+  strokePending();
+  table_ = table;
+}
+
+void CairoDevice::paperColours(bool on) {
+  strokePending();
+  mode_ = on ? PaletteMode::Paper : PaletteMode::Screen;
+}
+
+void CairoDevice::hairline(bool on) {
+  if (on == hairline_) return;
+  strokePending();
+  hairline_ = on;
+}
+
+void CairoDevice::flush() {
+  strokePending();
+  cairo_surface_flush(surface_);
+}
+
+bool CairoDevice::finish(std::string& error) {
+  flush();
+  cairo_surface_finish(surface_);
+  const cairo_status_t status = cairo_surface_status(surface_);
+  if (status != CAIRO_STATUS_SUCCESS) {
+    error = cairo_status_to_string(status);
+    if (!temporary_.empty()) std::remove(temporary_.c_str());
+    temporary_.clear();
+    return false;
+  }
+  if (temporary_.empty()) return true;
+  if (std::rename(temporary_.c_str(), path_.c_str()) != 0) {
+    error = std::strerror(errno);
+    std::remove(temporary_.c_str());
+    temporary_.clear();
+    return false;
+  }
+  temporary_.clear();
+  return true;
+}
+
+bool CairoDevice::writePng(const std::string& path, std::string& error) {
+  flush();
+  const std::string temporary = temporaryName(path);
+  const cairo_status_t status = cairo_surface_write_to_png(surface_, temporary.c_str());
+  if (status != CAIRO_STATUS_SUCCESS) {
+    error = cairo_status_to_string(status);
+    std::remove(temporary.c_str());
+    return false;
+  }
+  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+    error = std::strerror(errno);
+    std::remove(temporary.c_str());
+    return false;
+  }
+  return true;
+}
+
+Rgb CairoDevice::pixel(int x, int y) {
+  flush();
+  if (cairo_surface_get_type(surface_) != CAIRO_SURFACE_TYPE_IMAGE || x < 0 || y < 0 ||
+      x >= width_ || y >= height_)
+    return Rgb{};
+  const unsigned char* data = cairo_image_surface_get_data(surface_);
+  const int stride = cairo_image_surface_get_stride(surface_);
+  std::uint32_t v;
+  std::memcpy(&v, data + y * stride + 4 * x, 4);
+  return Rgb{static_cast<std::uint8_t>((v >> 16) & 0xFF), static_cast<std::uint8_t>((v >> 8) & 0xFF),
+             static_cast<std::uint8_t>(v & 0xFF)};
+}
+
+}  // namespace kntr::platform
