@@ -304,6 +304,7 @@ void G2SCAL(double xmin, double xmax, double ymin, double ymax) {
   s.plot = Rectangle{xmin - (s.mgnlft / a) * w, xmax + (s.mgnrgh / a) * w,
                      ymin - (s.mgnbot / b) * h, ymax + (s.mgntop / b) * h};
   deriveRectangles(s);
+  applyClip();
 }
 
 void G2SCLT(double xmin, double xmax, double ymin, double ymax) {
@@ -326,6 +327,7 @@ void G2SCLT(double xmin, double xmax, double ymin, double ymax) {
                      ymin - (ey + s.mgnbot / b) * h / (1.0 - 2.0 * ey),
                      ymax + (ey + s.mgntop / b) * h / (1.0 - 2.0 * ey)};
   deriveRectangles(s);
+  applyClip();
 }
 
 void GCLIPM(std::string_view mode) {
@@ -513,7 +515,8 @@ void GDRAW2(double x, double y) {
   s.penX = x;
   s.penY = y;
   if (!drawable()) return;
-  setDeviceColour(integerAttribute("lincol"));
+  static const int lincol = integerIndex("lincol");
+  setDeviceColour(attributes().integers[lincol]);
   deviceLine(x0, y0, x, y);
 }
 
@@ -521,7 +524,8 @@ void GPOLY2(int n, const double* x, const double* y) {
   if (n < 1) return;
   GMOVE2(x[0], y[0]);
   if (drawable()) {
-    setDeviceColour(integerAttribute("lincol"));
+    static const int lincol = integerIndex("lincol");
+    setDeviceColour(attributes().integers[lincol]);
     for (int k = 1; k < n; ++k) deviceLine(x[k - 1], y[k - 1], x[k], y[k]);
   }
   PlotState& s = state();
@@ -659,6 +663,10 @@ void redrawPlot(int mode, bool& status) {
   redrawClient(true, false, status);
   if (!status) redrawClient(false, mode == 2, status);
   flushPlot();
+}
+
+void hairlines(bool on) {
+  if (platform::Device* d = device()) d->hairline(on);
 }
 
 void flushPlot() {
