@@ -176,7 +176,8 @@ void PLPRCV(int curve, bool erase, bool& status) {
       if (p.HILSEG(k) != 0) drawHighlight(lines, p.CURCRV, p.HILSEG(k));
   }
 
-  // the points, with their labels
+  // the points, with their labels: small strokes that need no smoothing
+  graphics::hairlines(true);
   for (int c = first; c <= last; ++c) {
     for (int j = 1; j <= p.NPRPNT(c); ++j) {
       const bool current = c == p.CURCRV && j == p.CURPNT;
@@ -187,6 +188,7 @@ void PLPRCV(int curve, bool erase, bool& status) {
       labelAt(x, y, pointLabel(c, j));
     }
   }
+  graphics::hairlines(false);
 }
 
 void PLMESH(bool erase, bool& status) {
