@@ -9,6 +9,9 @@ command -v clang++ >/dev/null || need+=(clang)
 [ -e /usr/include/gtest/gtest.h ] || need+=(libgtest-dev)
 [ -e /usr/include/benchmark/benchmark.h ] || need+=(libbenchmark-dev)
 [ -e /usr/include/X11/Xlib.h ] || need+=(libx11-dev)
+command -v gmsh >/dev/null || need+=(gmsh)
+/usr/bin/python3 -c 'import meshio' 2>/dev/null || need+=(python3-meshio)
+/usr/bin/python3 -c 'import ezdxf' 2>/dev/null || need+=(python3-ezdxf)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

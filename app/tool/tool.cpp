@@ -46,7 +46,7 @@ const char* const usageText =
     "trailing-normal|DX,DY]\n"
     "                 [--global] [--restraint D] [--iterations N] -o OUT\n"
     "       kntr-tool mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT]\n"
-    "                 [--plain OUT]\n";
+    "                 [--plain OUT] [--msh OUT] [--vtk OUT] [--vtu OUT] [--nastran OUT]\n";
 
 }  // namespace
 
