@@ -71,6 +71,7 @@ struct ProfileData {
   bool SHOWCP = false;             // control polygon selected for drawing
   bool SHOWLS = true;              // curves drawn with line strokes
   bool SHOWGR = true;              // grid of the graphics window drawn
+  bool SHOWSP = false;             // section properties printed with the profile
 
   // Per curve.
   Array1<int, MaxCurves> NPRPNT{};       // number of points
