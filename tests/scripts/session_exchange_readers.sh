@@ -74,4 +74,90 @@ PY
   check "$profile: meshio reads msh, vtk, vtu and the Nastran deck alike" test $? -eq 0
   cat meshio.txt
 done
+
+# Drawings of the lens profile (splines) and the square with a hole
+# (polylines): every curve's points as the polyline command gives them.
+for profile in spline-lens square-hole; do
+  "$KNTR_TOOL" polyline "$bench/$profile.kntr" >poly.txt
+  "$KNTR_TOOL" export "$bench/$profile.kntr" --dxf p.dxf
+  check "$profile: export --dxf exit 0" test $? -eq 0
+  "$KNTR_TOOL" export "$bench/$profile.kntr" --svg p.svg
+  check "$profile: export --svg exit 0" test $? -eq 0
+  "$python" - <<'PY' >drawing.txt 2>&1
+import sys
+import xml.etree.ElementTree as ET
+import ezdxf
+
+# The polylines: "curve C N", N lines "x y", "index ...".
+curves = []
+with open("poly.txt") as f:
+    lines = f.read().split("\n")
+k = 0
+while k < len(lines) and lines[k].startswith("curve"):
+    n = int(lines[k].split()[2])
+    curves.append([tuple(map(float, lines[k + 1 + i].split())) for i in range(n)])
+    k += n + 2
+
+def close(a, b):
+    return len(a) == len(b) and all(abs(p[0] - q[0]) <= 1e-9 and abs(p[1] - q[1]) <= 1e-9
+                                    for p, q in zip(a, b))
+
+bad = 0
+doc = ezdxf.readfile("p.dxf")
+print("dxf version", doc.dxfversion)
+bad += doc.dxfversion != "AC1009"
+polylines = [e for e in doc.modelspace() if e.dxftype() == "POLYLINE"]
+bad += len(polylines) != len(curves)
+for c, (entity, points) in enumerate(zip(polylines, curves), start=1):
+    fitted = entity.dxf.flags & 4
+    # Fitted vertices (flag 8) carry the curve; a plain polyline has all its vertices on it.
+    on_curve = [(v.dxf.location[0], v.dxf.location[1]) for v in entity.vertices
+                if (v.dxf.flags & 8 if fitted else True)]
+    ok = entity.dxf.layer == f"CURVE{c}" and close(on_curve, points)
+    print("dxf curve", c, "layer", entity.dxf.layer, "fitted", bool(fitted), "ok" if ok else "DIFFERS")
+    bad += not ok
+
+ns = {"svg": "http://www.w3.org/2000/svg"}
+root = ET.parse("p.svg").getroot()
+paths = root.findall(".//svg:path", ns)
+bad += len(paths) != len(curves)
+for c, (path, points) in enumerate(zip(paths, curves), start=1):
+    words = path.get("d").replace("M", " ").replace("L", " ").replace("Z", " ").split()
+    values = list(map(float, words))
+    got = list(zip(values[0::2], values[1::2]))
+    ok = path.get("id") == f"curve{c}" and close(got, points)
+    print("svg path", c, "ok" if ok else "DIFFERS")
+    bad += not ok
+sys.exit(bad)
+PY
+  check "$profile: ezdxf and the XML parser read every curve's points within 1e-9" test $? -eq 0
+  cat drawing.txt
+done
+
+# An offset table into a new profile, its section properties, and a table
+# with a bad row, which writes nothing.
+printf 'curve,x,y,type\nouter,0,0,2\nouter,8,0,2\nouter,8,5,2\nouter,0,5,2\nouter,0,0\nhole,5,3,2\nhole,5,4,2\nhole,7,4,2\nhole,7,3,2\nhole,5,3\n' >table.csv
+"$KNTR_TOOL" import table.csv --box -1,9,-1,6 --ref 1,2 --polyline -o table.kntr >import.txt
+check "import exit 0" test $? -eq 0
+check "import summary" grep -qx 'curves 2 4c 4c' import.txt
+"$KNTR_TOOL" props table.kntr >props.txt
+check "props exit 0" test $? -eq 0
+check "props names in order" test "$(awk '{ printf "%s ", $1 }' props.txt)" = "area xc yc ixx iyy ixy sx sy "
+awk '{ v[$1] = $2 } END {
+  xc = (40 * 4 - 2 * 6) / 38; yc = (40 * 2.5 - 2 * 3.5) / 38
+  want["area"] = 38; want["xc"] = xc; want["yc"] = yc
+  want["ixx"] = 8 * 125 / 12 + 40 * (2.5 - yc) ^ 2 - (2 / 12 + 2 * (3.5 - yc) ^ 2)
+  want["iyy"] = 512 * 5 / 12 + 40 * (4 - xc) ^ 2 - (8 / 12 + 2 * (6 - xc) ^ 2)
+  want["ixy"] = 40 * (4 - xc) * (2.5 - yc) - 2 * (6 - xc) * (3.5 - yc)
+  want["sx"] = 40 * 0.5 - 2 * 1.5; want["sy"] = 40 * 3 - 2 * 5
+  for (k in want) { d = v[k] - want[k]; if (d < 0) d = -d; if (d > 1e-9 * 1000) { print k, v[k], want[k]; bad = 1 } }
+  exit bad }' props.txt
+check "props of the rectangle with a hole" test $? -eq 0
+printf 'a,0,0\na,1,1\na,2,text\n' >bad.csv
+"$KNTR_TOOL" import bad.csv -o bad.kntr 2>err.txt
+check "bad table exit 1" test $? -eq 1
+check "bad table names its row" grep -qF 'Row 3 of "bad.csv": "text" is not a number!' err.txt
+check "bad table writes nothing" test ! -e bad.kntr
+"$KNTR_TOOL" export "$bench/square.kntr" --pdf x 2>/dev/null
+check "export usage exit 2" test $? -eq 2
 finish
