@@ -219,7 +219,9 @@ void PRSECP(bool& status) {
   status = false;
   const ProfileData& p = profile();
   bool any = false;
-  for (int c = 1; c <= p.NPRCRV; ++c) any = any || (p.PRCLSD(c) && p.NPRPNT(c) >= 3);
+  // A closed spline bounds an area from two points on, a polygon from three.
+  const int fewest = p.PRFTYP == SplineProfile ? 2 : 3;
+  for (int c = 1; c <= p.NPRCRV; ++c) any = any || (p.PRCLSD(c) && p.NPRPNT(c) >= fewest);
   std::string text = "{YEL{UDLSection properties {UDL{NWL";
   if (!any) {
     framework::PRPAGE(text + "{NWL{CYANo closed profile curves available!{NWL");

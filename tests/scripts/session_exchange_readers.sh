@@ -89,13 +89,15 @@ import xml.etree.ElementTree as ET
 import ezdxf
 
 # The polylines: "curve C N", N lines "x y", "index ...".
-curves = []
+curves, offsets = [], []
 with open("poly.txt") as f:
     lines = f.read().split("\n")
 k = 0
 while k < len(lines) and lines[k].startswith("curve"):
     n = int(lines[k].split()[2])
     curves.append([tuple(map(float, lines[k + 1 + i].split())) for i in range(n)])
+    index = [int(i) for i in lines[k + 1 + n].split()[1:]]
+    offsets.append([curves[-1][i - 1] for i in index])
     k += n + 2
 
 def close(a, b):
@@ -113,7 +115,10 @@ for c, (entity, points) in enumerate(zip(polylines, curves), start=1):
     # Fitted vertices (flag 8) carry the curve; a plain polyline has all its vertices on it.
     on_curve = [(v.dxf.location[0], v.dxf.location[1]) for v in entity.vertices
                 if (v.dxf.flags & 8 if fitted else True)]
+    frame = [(v.dxf.location[0], v.dxf.location[1]) for v in entity.vertices if v.dxf.flags & 16]
     ok = entity.dxf.layer == f"CURVE{c}" and close(on_curve, points)
+    # The frame of a spline-fit polyline is the curve's offset points.
+    ok = ok and (close(frame, offsets[c - 1]) if fitted else not frame)
     print("dxf curve", c, "layer", entity.dxf.layer, "fitted", bool(fitted), "ok" if ok else "DIFFERS")
     bad += not ok
 
