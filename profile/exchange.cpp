@@ -36,7 +36,7 @@ ProfilePolylines& exportLines() {
 constexpr std::array<int, 7> layerColours = {1, 5, 3, 6, 4, 2, 8};
 // Stroke colours of the curves' paths.
 constexpr std::array<const char*, 7> pathColours = {"#d62728", "#1f77b4", "#2ca02c", "#9467bd",
-                                                     "#17becf", "#bcbd22", "#7f7f7f"};
+                                                    "#17becf", "#bcbd22", "#7f7f7f"};
 
 // Asks before an existing file is replaced. False when the file is not to
 // be written; `status` is set when the user said no.
@@ -81,7 +81,9 @@ void dxfPoint(std::vector<std::string>& out, double x, double y) {
   dxf(out, 30, "0.0");
 }
 
-std::string layerName(int c) { return "CURVE" + std::to_string(c); }
+std::string layerName(int c) {
+  return "CURVE" + std::to_string(c);
+}
 
 // Asks for a file name until one is given; false on abort.
 bool askName(std::string_view question, std::string& name) {
@@ -115,7 +117,8 @@ std::string trimmedCopy(std::string_view text) {
   while (b > a && std::isspace(static_cast<unsigned char>(text[b - 1]))) --b;
   std::string out(text.substr(a, b - a));
   // A field in double quotes, as spreadsheets write text.
-  if (out.size() >= 2 && out.front() == '"' && out.back() == '"') out = out.substr(1, out.size() - 2);
+  if (out.size() >= 2 && out.front() == '"' && out.back() == '"')
+    out = out.substr(1, out.size() - 2);
   return out;
 }
 
@@ -255,8 +258,8 @@ void PTPSVG(std::string_view name, bool& status) {
                 "\" height=\"" + pictureHeight + "\" viewBox=\"" + fmt::exact(p.PRBBOX(1)) + " " +
                 fmt::exact(-p.PRBBOX(4)) + " " + fmt::exact(width) + " " + fmt::exact(height) +
                 "\">");
-  out.push_back("  <title>" + std::string(p.PRFTYP == SplineProfile ? "Spline profile"
-                                                                     : "Polyline profile") +
+  out.push_back("  <title>" +
+                std::string(p.PRFTYP == SplineProfile ? "Spline profile" : "Polyline profile") +
                 "</title>");
   out.push_back("  <g transform=\"scale(1,-1)\" fill=\"none\" stroke-width=\"1\">");
   for (int c = 1; c <= lines.curves; ++c) {

@@ -90,23 +90,25 @@ void XPMESH(bool& status) {
     return;
   }
 
-  const std::array<std::string, 7> rows = {
-      textRow("Orvik{nFEM-MESH"), textRow("TVEW{n(Viewer format)"), textRow("Gmsh{nMSH 4.1"),
-      textRow("VTK{nlegacy (.vtk)"), textRow("VTK{nXML (.vtu)"), textRow("Nastran{nbulk deck"),
-      "CANCEL"};
+  const std::array<std::string, 7> rows = {textRow("Orvik{nFEM-MESH"),
+                                           textRow("TVEW{n(Viewer format)"),
+                                           textRow("Gmsh{nMSH 4.1"),
+                                           textRow("VTK{nlegacy (.vtk)"),
+                                           textRow("VTK{nXML (.vtu)"),
+                                           textRow("Nastran{nbulk deck"),
+                                           "CANCEL"};
   int selection = 0;
   bool abort = false;
   framework::TXMENU("EXPORT FORMAT SELECTION", rows, 0, "Select export file format", abort,
                     selection, failed);
   if (abort || failed || selection < 1 || selection > 6) return;
 
-  static const char* const questions[] = {
-      "Input name (full) for mesh file (max 80 char)",
-      "Input name (full) for TVEW file (max 80 char)",
-      "Input name (full) for Gmsh file (max 80 char)",
-      "Input name (full) for VTK file (max 80 char)",
-      "Input name (full) for VTU file (max 80 char)",
-      "Input name (full) for Nastran file (max 80 char)"};
+  static const char* const questions[] = {"Input name (full) for mesh file (max 80 char)",
+                                          "Input name (full) for TVEW file (max 80 char)",
+                                          "Input name (full) for Gmsh file (max 80 char)",
+                                          "Input name (full) for VTK file (max 80 char)",
+                                          "Input name (full) for VTU file (max 80 char)",
+                                          "Input name (full) for Nastran file (max 80 char)"};
   std::string name;
   if (!askFileName(questions[selection - 1], name)) return;
   const View1<const XY> vertices(mesh.vertices.data(), numVertices);

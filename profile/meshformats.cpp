@@ -207,8 +207,8 @@ void PTGMSH(int numVertices, View1<const XY> vertices, int numTriangles,
       put(std::to_string(k) + " " + extent.text() + " 1 " + std::to_string(k) + " 0");
     }
     for (int v = 1; v <= numVertices; ++v) all.add(vertices(v));
-    std::string surface = "1 " + all.text() + " 1 " + std::to_string(numLoops + 1) + " " +
-                          std::to_string(numLoops);
+    std::string surface =
+        "1 " + all.text() + " 1 " + std::to_string(numLoops + 1) + " " + std::to_string(numLoops);
     for (int k = 1; k <= numLoops; ++k) surface += " " + std::to_string(k);
     put(surface);
     put("$EndEntities");

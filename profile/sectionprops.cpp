@@ -67,8 +67,8 @@ std::vector<Piece>& boundaryPieces(int c, bool& status) {
   if (p.PRFTYP != SplineProfile) {
     for (int j = 1; j <= n; ++j) {
       const int k = j == n ? 1 : j + 1;
-      pieces.push_back(line(XY{p.PRPNTS(c, j)(1), p.PRPNTS(c, j)(2)},
-                            XY{p.PRPNTS(c, k)(1), p.PRPNTS(c, k)(2)}));
+      pieces.push_back(
+          line(XY{p.PRPNTS(c, j)(1), p.PRPNTS(c, j)(2)}, XY{p.PRPNTS(c, k)(1), p.PRPNTS(c, k)(2)}));
     }
     return pieces;
   }
@@ -80,8 +80,8 @@ std::vector<Piece>& boundaryPieces(int c, bool& status) {
   const spline::Triple origin{};
   const spline::Triple normal{{1.0, 0.0, 0.0}};
   spline::HCAIP3(MaxPolylinePoints, p.SPLACC, origin, normal, spline::SideNone, 10.0 * p.SPLACC,
-                 rec, count, View1<spline::Triple>(raw), View1<int>(rawIndex),
-                 View1<bool>(onCurve), status);
+                 rec, count, View1<spline::Triple>(raw), View1<int>(rawIndex), View1<bool>(onCurve),
+                 status);
   if (status || count < 1) return pieces;
   // Walk round from each point on the curve to the next one, taking the
   // control points between; the last piece returns to the first point.
@@ -115,23 +115,23 @@ std::vector<Piece>& boundaryPieces(int c, bool& status) {
 // to the region, -1 for one that takes away; the boundary's own direction
 // does not matter.
 void addBoundary(const std::vector<Piece>& pieces, double sign, XY origin, Moments& m) {
-  static constexpr std::array<double, 6> node = {
-      0.033765242898423987, 0.16939530676686776, 0.38069040695840156,
-      0.61930959304159849,  0.83060469323313224, 0.96623475710157603};
-  static constexpr std::array<double, 6> weight = {
-      0.085662246189585178, 0.18038078652406930, 0.23395696728634552,
-      0.23395696728634552,  0.18038078652406930, 0.085662246189585178};
+  static constexpr std::array<double, 6> node = {0.033765242898423987, 0.16939530676686776,
+                                                 0.38069040695840156,  0.61930959304159849,
+                                                 0.83060469323313224,  0.96623475710157603};
+  static constexpr std::array<double, 6> weight = {0.085662246189585178, 0.18038078652406930,
+                                                   0.23395696728634552,  0.23395696728634552,
+                                                   0.18038078652406930,  0.085662246189585178};
   Moments own;
   for (const Piece& piece : pieces) {
     for (std::size_t g = 0; g < node.size(); ++g) {
       const double t = node[g], u = 1.0 - t;
       const double b0 = u * u * u, b1 = 3.0 * u * u * t, b2 = 3.0 * u * t * t, b3 = t * t * t;
-      const double d0 = -3.0 * u * u, d1 = 3.0 * u * u - 6.0 * u * t, d2 = 6.0 * u * t - 3.0 * t * t,
-                   d3 = 3.0 * t * t;
-      const double x = b0 * piece[0].x + b1 * piece[1].x + b2 * piece[2].x + b3 * piece[3].x -
-                       origin.x;
-      const double y = b0 * piece[0].y + b1 * piece[1].y + b2 * piece[2].y + b3 * piece[3].y -
-                       origin.y;
+      const double d0 = -3.0 * u * u, d1 = 3.0 * u * u - 6.0 * u * t,
+                   d2 = 6.0 * u * t - 3.0 * t * t, d3 = 3.0 * t * t;
+      const double x =
+          b0 * piece[0].x + b1 * piece[1].x + b2 * piece[2].x + b3 * piece[3].x - origin.x;
+      const double y =
+          b0 * piece[0].y + b1 * piece[1].y + b2 * piece[2].y + b3 * piece[3].y - origin.y;
       const double dx = d0 * piece[0].x + d1 * piece[1].x + d2 * piece[2].x + d3 * piece[3].x;
       const double dy = d0 * piece[0].y + d1 * piece[1].y + d2 * piece[2].y + d3 * piece[3].y;
       const double w = weight[g];

@@ -1,5 +1,7 @@
 // kntr-tool export and import: the profile as a drawing (DXF or SVG), and
 // an offset table read into a new profile data file.
+#include "profile/exchange.h"
+
 #include <string>
 
 #include "app/tool/tool.h"
@@ -7,7 +9,6 @@
 #include "platform/console.h"
 #include "profile/block.h"
 #include "profile/datafile.h"
-#include "profile/exchange.h"
 
 namespace kntr::tool {
 
@@ -23,9 +24,9 @@ bool parseReals(const std::string& text, int count, double* values) {
   for (int k = 0; k < count; ++k) {
     const std::size_t comma = text.find(',', start);
     if ((comma == std::string::npos) != (k == count - 1)) return false;
-    if (!parseReal(text.substr(start, comma == std::string::npos ? std::string::npos
-                                                                  : comma - start),
-                   values[k]))
+    if (!parseReal(
+            text.substr(start, comma == std::string::npos ? std::string::npos : comma - start),
+            values[k]))
       return false;
     start = comma + 1;
   }

@@ -107,8 +107,8 @@ int meshCommand(const Arguments& arguments) {
       tvew = arguments[++k];
     } else if (option == "--plain" && hasValue) {
       plain = arguments[++k];
-    } else if (hasValue && std::find(exchangeOptions, exchangeOptions + 4, option) !=
-                               exchangeOptions + 4) {
+    } else if (hasValue &&
+               std::find(exchangeOptions, exchangeOptions + 4, option) != exchangeOptions + 4) {
       exchange[std::find(exchangeOptions, exchangeOptions + 4, option) - exchangeOptions] =
           arguments[++k];
     } else {

@@ -15,10 +15,11 @@ int propsCommand(const Arguments& arguments) {
   profile::IQSECP(props, status);
   if (status) return fail("");
   const std::pair<const char*, double> lines[] = {
-      {"area", props.area}, {"xc", props.xc},   {"yc", props.yc},   {"ixx", props.ixx},
-      {"iyy", props.iyy},   {"ixy", props.ixy}, {"sx", props.sx},   {"sy", props.sy}};
+      {"area", props.area}, {"xc", props.xc},   {"yc", props.yc}, {"ixx", props.ixx},
+      {"iyy", props.iyy},   {"ixy", props.ixy}, {"sx", props.sx}, {"sy", props.sy}};
   std::string out;
-  for (const auto& [name, value] : lines) out += std::string(name) + " " + fullPrecision(value) + "\n";
+  for (const auto& [name, value] : lines)
+    out += std::string(name) + " " + fullPrecision(value) + "\n";
   print(out);
   return 0;
 }
