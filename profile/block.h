@@ -73,6 +73,7 @@ struct ProfileData {
   bool SHOWGR = true;              // grid of the graphics window drawn
   bool SHOWCB = false;             // curvature comb of each spline curve drawn
   bool MESHQC = false;             // mesh triangles coloured by their quality
+  bool SHOWSP = false;             // section properties printed with the profile
 
   // Per curve.
   Array1<int, MaxCurves> NPRPNT{};       // number of points

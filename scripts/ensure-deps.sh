@@ -14,6 +14,9 @@ command -v clang++ >/dev/null || need+=(clang)
 command -v python3 >/dev/null || need+=(python3)
 command -v pkg-config >/dev/null || need+=(pkg-config)
 command -v gs >/dev/null || need+=(ghostscript)
+command -v gmsh >/dev/null || need+=(gmsh)
+/usr/bin/python3 -c 'import meshio' 2>/dev/null || need+=(python3-meshio)
+/usr/bin/python3 -c 'import ezdxf' 2>/dev/null || need+=(python3-ezdxf)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

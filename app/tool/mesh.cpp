@@ -1,5 +1,6 @@
 // kntr-tool mesh: the interior mesh of a profile, its figures, and the
 // finite element, viewer and plain files.
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -11,13 +12,15 @@
 #include "platform/console.h"
 #include "profile/block.h"
 #include "profile/meshexport.h"
+#include "profile/meshformats.h"
 
 namespace kntr::tool {
 
 namespace {
 
 const char* const meshUsage =
-    "mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT] [--plain OUT]";
+    "mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT] [--plain OUT]\n"
+    "                 [--msh OUT] [--vtk OUT] [--vtu OUT] [--nastran OUT]";
 
 struct Mesh {
   int numVertices = 0;
@@ -57,12 +60,33 @@ void agreeToOverwrite(const std::string& name) {
   if (framework::fileExists(name)) platform::testconsole::feed("yes\n");
 }
 
+// The Gmsh, VTK, VTU and Nastran files the command line names, in that
+// order; false after a failure has been reported.
+bool writeExchangeFiles(const std::string (&names)[4], int numVertices, View1<const XY> vertices,
+                        int numTriangles, View1<const mesher::Triangle> triangles,
+                        View1<const double> quality) {
+  bool status = false;
+  for (int k = 0; k < 4 && !status; ++k) {
+    if (names[k].empty()) continue;
+    agreeToOverwrite(names[k]);
+    if (k == 0) profile::PTGMSH(numVertices, vertices, numTriangles, triangles, names[k], status);
+    if (k == 1)
+      profile::PTVTKL(numVertices, vertices, numTriangles, triangles, quality, names[k], status);
+    if (k == 2)
+      profile::PTVTUX(numVertices, vertices, numTriangles, triangles, quality, names[k], status);
+    if (k == 3) profile::PTNSTR(numVertices, vertices, numTriangles, triangles, names[k], status);
+  }
+  return !status;
+}
+
 }  // namespace
 
 int meshCommand(const Arguments& arguments) {
   if (arguments.empty()) return usage(meshUsage);
   profile::ProfileData& p = profile::profile();
   std::string fem, tvew, plain;
+  std::string exchange[4];  // --msh, --vtk, --vtu, --nastran
+  const char* const exchangeOptions[4] = {"--msh", "--vtk", "--vtu", "--nastran"};
   int triangles = 0;
   double quality = 0.0;
   bool automatic = false, smooth = false;
@@ -83,6 +107,10 @@ int meshCommand(const Arguments& arguments) {
       tvew = arguments[++k];
     } else if (option == "--plain" && hasValue) {
       plain = arguments[++k];
+    } else if (hasValue &&
+               std::find(exchangeOptions, exchangeOptions + 4, option) != exchangeOptions + 4) {
+      exchange[std::find(exchangeOptions, exchangeOptions + 4, option) - exchangeOptions] =
+          arguments[++k];
     } else {
       return usage(meshUsage);
     }
@@ -121,6 +149,9 @@ int meshCommand(const Arguments& arguments) {
     if (status) return fail("");
   }
   if (!plain.empty() && !writePlain(plain, *mesh)) return fail("");
+  if (!writeExchangeFiles(exchange, mesh->numVertices, vertices, mesh->numTriangles, triangleView,
+                          qualityView))
+    return fail("");
 
   const mesher::MeshStatistics& figures = mesher::lastMeshStatistics();
   print("vertices " + std::to_string(mesh->numVertices) + " triangles " +
