@@ -8,6 +8,7 @@
 #include "framework/text.h"
 #include "mesher/driver.h"
 #include "mesher/limits.h"
+#include "mesher/robust.h"
 #include "platform/console.h"
 #include "profile/block.h"
 #include "profile/meshexport.h"
@@ -17,7 +18,8 @@ namespace kntr::tool {
 namespace {
 
 const char* const meshUsage =
-    "mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT] [--plain OUT]";
+    "mesh FILE [--triangles N] [--auto Q] [--smooth] [--classic] [--improve] [--no-improve] "
+    "[--fem OUT] [--tvew OUT] [--plain OUT]";
 
 struct Mesh {
   int numVertices = 0;
@@ -65,12 +67,18 @@ int meshCommand(const Arguments& arguments) {
   std::string fem, tvew, plain;
   int triangles = 0;
   double quality = 0.0;
-  bool automatic = false, smooth = false;
+  bool automatic = false, smooth = false, classic = false, improve = true;
   for (std::size_t k = 1; k < arguments.size(); ++k) {
     const std::string& option = arguments[k];
     const bool hasValue = k + 1 < arguments.size();
     if (option == "--smooth") {
       smooth = true;
+    } else if (option == "--classic") {
+      classic = true;
+    } else if (option == "--improve") {
+      improve = true;
+    } else if (option == "--no-improve") {
+      improve = false;
     } else if (option == "--triangles" && hasValue) {
       if (!parseInteger(arguments[++k], triangles) || triangles < 1) return usage(meshUsage);
     } else if (option == "--auto" && hasValue) {
@@ -97,6 +105,16 @@ int meshCommand(const Arguments& arguments) {
     p.MESHQL = quality;
   }
   if (smooth) p.MESHLP = true;
+  // The robust mode with the quality stage unless the plain pipeline is asked for.
+  p.MESHRB = !classic;
+  p.MESHIM = !classic && improve;
+
+  // Curves that cross, overlap or touch would be meshed twice over.
+  int first = 0, second = 0;
+  bool refused = false;
+  mesher::IQCVCR(first, second, refused);
+  if (refused) return fail("");
+  if (first > 0) return fail(mesher::crossingCurvesMessage(first, second));
 
   auto mesh = std::make_unique<Mesh>();
   bool status = false;
