@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "framework/text.h"
 #include "mesher/predicates.h"
@@ -23,6 +24,11 @@ struct Adjacency {
 Adjacency& adjacency() {
   static Adjacency tables;
   return tables;
+}
+
+Array1<double, MaxImproveVertices>& angleSum() {
+  static Array1<double, MaxImproveVertices> sums;
+  return sums;
 }
 
 int nextCorner(int j) { return j == 3 ? 1 : j + 1; }
@@ -104,55 +110,110 @@ double leastAround(View1<const Triangle> triangles, View1<const XY> vertices, in
   return least;
 }
 
-// One sweep over the interior vertices toward the mean of their
-// neighbours. With `keepLeast` a move must not lower the least quality
-// around the vertex, otherwise it must only keep every triangle turned the
-// right way. Returns the number of moves longer than a thousandth of the
+// One sweep over the interior vertices. A vertex may go toward the mean of
+// its neighbours or toward the mean of the points that would make each
+// triangle around it equilateral on its far side, by the whole step, a half
+// or a quarter. With `keepLeast` the move that gives the highest least
+// quality around the vertex is taken, if that does not fall; otherwise the
+// first move toward the neighbours' mean that keeps every triangle turned
+// the right way. Returns the number of moves longer than a thousandth of the
 // vertex's mean distance to its neighbours.
 int smoothSweep(int numVertices, View1<const Triangle> triangles, View1<XY> vertices,
                 bool keepLeast, int& moves) {
   const Adjacency& g = adjacency();
+  constexpr double Height = 0.8660254037844386;  // sqrt(3) / 2
   int large = 0;
   for (int v = 1; v <= numVertices; ++v) {
     if (g.onBoundary(v) || g.first(v + 1) == g.first(v)) continue;
-    double x = 0.0, y = 0.0, reach = 0.0;
+    double x = 0.0, y = 0.0, ix = 0.0, iy = 0.0, reach = 0.0;
     const int n = g.first(v + 1) - g.first(v);
     const XY here = vertices(v);
     for (int k = g.first(v); k < g.first(v + 1); ++k) {
       const Triangle& tri = triangles(g.around(k));
-      for (int j = 1; j <= 3; ++j) {
-        if (tri(j) == v) continue;
-        const XY& p = vertices(tri(j));
-        x += p.x;
-        y += p.y;
-        reach += std::hypot(p.x - here.x, p.y - here.y);
-      }
+      int j = 1;
+      while (tri(j) != v) ++j;
+      const XY& b = vertices(tri(nextCorner(j)));
+      const XY& c = vertices(tri(nextCorner(nextCorner(j))));
+      x += b.x + c.x;
+      y += b.y + c.y;
+      reach += std::hypot(b.x - here.x, b.y - here.y) + std::hypot(c.x - here.x, c.y - here.y);
+      ix += 0.5 * (b.x + c.x) - Height * (c.y - b.y);
+      iy += 0.5 * (b.y + c.y) + Height * (c.x - b.x);
     }
     x /= 2 * n;
     y /= 2 * n;
     reach /= 2 * n;
+    ix /= n;
+    iy /= n;
+    const XY targets[2] = {XY{x, y}, XY{ix, iy}};
     const double before = keepLeast ? leastAround(triangles, vertices, v, here) : 0.0;
-    for (double share = 1.0; share >= 0.25; share *= 0.5) {
-      const XY to{here.x + share * (x - here.x), here.y + share * (y - here.y)};
-      const double after = leastAround(triangles, vertices, v, to);
-      if (after <= 0.0 || (keepLeast && after < before)) continue;
-      vertices(v) = to;
-      ++moves;
-      if (std::hypot(to.x - here.x, to.y - here.y) > 1e-3 * reach) ++large;
-      break;
+    XY chosen = here;
+    double best = before;
+    bool found = false;
+    for (double share = 1.0; share >= 0.25 && !found; share *= 0.5) {
+      for (int t = 0; t < (keepLeast ? 2 : 1); ++t) {
+        const XY to{here.x + share * (targets[t].x - here.x), here.y + share * (targets[t].y - here.y)};
+        const double after = leastAround(triangles, vertices, v, to);
+        if (after <= 0.0 || (keepLeast && after < best)) continue;
+        if (keepLeast && found && after == best) continue;
+        chosen = to;
+        best = after;
+        found = true;
+        if (!keepLeast) break;
+      }
     }
+    if (!found) continue;
+    vertices(v) = chosen;
+    ++moves;
+    if (std::hypot(chosen.x - here.x, chosen.y - here.y) > 1e-3 * reach) ++large;
   }
   return large;
 }
 
-// Flip inner edges that fail the in-circle test until none does (or a
-// bound on the passes is reached); the tables are made anew for each pass.
-void flipAll(int numTriangles, View1<Triangle> triangles, View1<const XY> p, bool& status) {
-  const int numVertices = p.size();
+// Triangles a vertex should have: 6 inside; on the boundary one for each
+// sixty degrees of its angle, at least one.
+Array1<int, MaxImproveVertices> idealCount;
+Array1<int, MaxImproveVertices> triangleCount;
+
+double angleAt(const XY& p, const XY& q, const XY& r) {
+  const double ux = q.x - p.x, uy = q.y - p.y, vx = r.x - p.x, vy = r.y - p.y;
+  return std::atan2(std::fabs(ux * vy - uy * vx), ux * vx + uy * vy);
+}
+
+void countTriangles(int numTriangles, View1<const Triangle> triangles, View1<const XY> p) {
+  const Adjacency& g = adjacency();
+  Array1<double, MaxImproveVertices>& angle = angleSum();
+  for (int v = 1; v <= p.size(); ++v) {
+    triangleCount(v) = g.first(v + 1) - g.first(v);
+    angle(v) = 0.0;
+  }
+  for (int t = 1; t <= numTriangles; ++t) {
+    const Triangle& tri = triangles(t);
+    for (int j = 1; j <= 3; ++j) {
+      const int v = tri(j);
+      if (g.onBoundary(v))
+        angle(v) += angleAt(p(v), p(tri(nextCorner(j))), p(tri(nextCorner(nextCorner(j)))));
+    }
+  }
+  for (int v = 1; v <= p.size(); ++v) {
+    idealCount(v) = g.onBoundary(v) ? std::max(1, static_cast<int>(std::lround(angle(v) / (Pi / 3.0))))
+                                    : 6;
+  }
+}
+
+// Flip inner edges until none is left to flip (or a bound on the passes is
+// reached); the tables are made anew for each pass. Plain: the edges that
+// fail the in-circle test. `byCount`: the edges whose flip brings the four
+// vertices' triangle counts nearer their ideal ones without the least
+// quality of the two triangles falling below ValenceFlipShare of what it was.
+void flipAll(int numTriangles, View1<Triangle> triangles, View1<const XY> p, bool byCount,
+             bool& status) {
   Adjacency& g = adjacency();
   const View1<const Triangle> seen(triangles.data(), triangles.size());
   for (int pass = 0; pass < 50; ++pass) {
-    if (!build(numTriangles, seen, numVertices, "IMPRV2", status)) return;
+    if (!build(numTriangles, seen, p.size(), "IMPRV2", status)) return;
+    if (byCount) countTriangles(numTriangles, seen, p);
+    auto off = [&](int v, int n) { return std::abs(n - idealCount(v)); };
     int flips = 0;
     for (int t = 1; t <= numTriangles; ++t) {
       if (g.changed(t)) continue;
@@ -162,8 +223,23 @@ void flipAll(int numTriangles, View1<Triangle> triangles, View1<const XY> p, boo
         int d = 0;
         const int u = across(seen, t, a, b, d);
         if (u == 0 || g.changed(u)) continue;
-        if (IQINCR(p(a), p(b), p(c), p(d)) <= 0) continue;
-        if (IQORNT(p(c), p(a), p(d)) <= 0 || IQORNT(p(d), p(b), p(c)) <= 0) continue;
+        if (byCount) {
+          const int na = triangleCount(a), nb = triangleCount(b), nc = triangleCount(c),
+                    nd = triangleCount(d);
+          if (off(a, na - 1) + off(b, nb - 1) + off(c, nc + 1) + off(d, nd + 1) >=
+              off(a, na) + off(b, nb) + off(c, nc) + off(d, nd))
+            continue;
+          const double now = std::min(quality(p(a), p(b), p(c)), quality(p(b), p(a), p(d)));
+          const double then = std::min(quality(p(c), p(a), p(d)), quality(p(d), p(b), p(c)));
+          if (then <= 0.0 || then < ValenceFlipShare * now) continue;
+          triangleCount(a) -= 1;
+          triangleCount(b) -= 1;
+          triangleCount(c) += 1;
+          triangleCount(d) += 1;
+        } else {
+          if (IQINCR(p(a), p(b), p(c), p(d)) <= 0) continue;
+          if (IQORNT(p(c), p(a), p(d)) <= 0 || IQORNT(p(d), p(b), p(c)) <= 0) continue;
+        }
         triangles(t) = Triangle{{c, a, d}};
         triangles(u) = Triangle{{d, b, c}};
         g.changed(t) = g.changed(u) = true;
@@ -196,12 +272,12 @@ void SMSAF2(int numTriangles, View1<const Triangle> triangles, View1<XY> vertice
 void IMPRV2(int numTriangles, View1<Triangle> triangles, View1<XY> vertices, bool& status) {
   status = false;
   const View1<const Triangle> seen(triangles.data(), triangles.size());
-  for (int round = 0; round <= ImproveRounds; ++round) {
-    flipAll(numTriangles, triangles, vertices, status);
-    if (status || round == ImproveRounds) return;
-    if (!build(numTriangles, seen, vertices.size(), "IMPRV2", status)) return;
+  flipAll(numTriangles, triangles, vertices, false, status);
+  for (int round = 1; round <= ImproveRounds && !status; ++round) {
+    flipAll(numTriangles, triangles, vertices, true, status);
+    if (status || !build(numTriangles, seen, vertices.size(), "IMPRV2", status)) return;
     int moves = 0;
-    for (int sweep = 0; sweep < 3; ++sweep) {
+    for (int sweep = 0; sweep < ImproveSweeps; ++sweep) {
       if (smoothSweep(vertices.size(), seen, vertices, true, moves) == 0) break;
     }
   }

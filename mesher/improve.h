@@ -25,7 +25,11 @@ inline constexpr int MaxImproveVertices = 20000;
 // Sweeps of the smoothing at most, and rounds of flips and smoothing of the
 // quality stage.
 inline constexpr int SafeSmoothSweeps = 50;
-inline constexpr int ImproveRounds = 4;
+inline constexpr int ImproveRounds = 6;
+inline constexpr int ImproveSweeps = 4;
+// A flip toward better triangle counts may lower the least quality of its
+// two triangles to this share of what it was, no further.
+inline constexpr double ValenceFlipShare = 0.5;
 
 // SMSAF2: move each interior vertex toward the mean of its neighbours, by
 // the whole step or, when that would turn a triangle over, by a half or a
@@ -39,9 +43,11 @@ void SMSAF2(int numTriangles, View1<const Triangle> triangles, View1<XY> vertice
             bool& status);
 
 // IMPRV2: flip every inner edge that is not Delaunay (exact in-circle test)
-// until none is left, then in ImproveRounds rounds smooth the interior
-// vertices, keeping a move only when the least quality of the triangles
-// around the vertex does not fall, and flip again.
+// until none is left, then in ImproveRounds rounds flip the edges whose
+// flip brings the vertices' triangle counts nearer 6 inside (one for each
+// 60 degrees on the boundary), and smooth the interior vertices, keeping a
+// move only when the least quality of the triangles around the vertex does
+// not fall.
 //   status: set when the mesh is larger than the tables; the message has
 //   been shown.
 void IMPRV2(int numTriangles, View1<Triangle> triangles, View1<XY> vertices, bool& status);
