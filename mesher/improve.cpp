@@ -18,7 +18,11 @@ struct Adjacency {
   Array1<int, MaxImproveVertices> cursor;
   Array1<int, 3 * MaxImproveTriangles> around;
   Array1<bool, MaxImproveVertices> onBoundary;
-  Array1<bool, MaxImproveTriangles> changed;
+  // A vertex that found no better place, until a neighbour moves.
+  Array1<bool, MaxImproveVertices> settled;
+  // The triangle across side j of triangle t (vertex j to j + 1), 0 on the
+  // boundary; kept up to date through the flips.
+  Array2<int, MaxImproveTriangles, 3> neighbour;
 };
 
 Adjacency& adjacency() {
@@ -34,13 +38,12 @@ Array1<double, MaxImproveVertices>& angleSum() {
 int nextCorner(int j) { return j == 3 ? 1 : j + 1; }
 
 // The triangle other than `t` with the directed edge b -> a, 0 when none
-// (a boundary edge), skipping triangles changed since the tables were
-// made; `opposite` is its third vertex.
+// (a boundary edge), found through the triangles around b.
 int across(View1<const Triangle> triangles, int t, int a, int b, int& opposite) {
   const Adjacency& g = adjacency();
   for (int k = g.first(b); k < g.first(b + 1); ++k) {
     const int u = g.around(k);
-    if (u == t || g.changed(u)) continue;
+    if (u == t) continue;
     const Triangle& tri = triangles(u);
     for (int j = 1; j <= 3; ++j) {
       if (tri(j) == b && tri(nextCorner(j)) == a) {
@@ -52,9 +55,11 @@ int across(View1<const Triangle> triangles, int t, int a, int b, int& opposite) 
   return 0;
 }
 
-// The tables for a mesh; false (with the message) when it is too large.
+// The triangles around each vertex; false (with the message) when the mesh
+// is too large. With `sides` also the neighbours across each side and the
+// boundary's vertices.
 bool build(int numTriangles, View1<const Triangle> triangles, int numVertices, const char* name,
-           bool& status) {
+           bool sides, bool& status) {
   Adjacency& g = adjacency();
   if (numTriangles > MaxImproveTriangles || numVertices > MaxImproveVertices) {
     framework::fail(std::string("(") + name + ") Max number of mesh triangles or vertices exceeded!",
@@ -71,33 +76,39 @@ bool build(int numTriangles, View1<const Triangle> triangles, int numVertices, c
     g.cursor(v) = g.first(v);
   }
   for (int t = 1; t <= numTriangles; ++t) {
-    g.changed(t) = false;
     for (int j = 1; j <= 3; ++j) g.around(g.cursor(triangles(t)(j))++) = t;
   }
+  for (int v = 1; v <= numVertices; ++v) g.settled(v) = false;
+  if (!sides) return true;
   for (int v = 1; v <= numVertices; ++v) g.onBoundary(v) = false;
   for (int t = 1; t <= numTriangles; ++t) {
     for (int j = 1; j <= 3; ++j) {
       const int a = triangles(t)(j), b = triangles(t)(nextCorner(j));
       int d = 0;
-      if (across(triangles, t, a, b, d) == 0) g.onBoundary(a) = g.onBoundary(b) = true;
+      g.neighbour(t, j) = across(triangles, t, a, b, d);
+      if (g.neighbour(t, j) == 0) g.onBoundary(a) = g.onBoundary(b) = true;
     }
   }
   return true;
 }
 
+double length(double dx, double dy) { return std::sqrt(dx * dx + dy * dy); }
+
 // Quality 8(s-a)(s-b)(s-c)/(abc) of a triangle, -1 unless it is strictly
 // counterclockwise.
 double quality(const XY& p, const XY& q, const XY& r) {
   if (IQORNT(p, q, r) <= 0) return -1.0;
-  const double a = std::hypot(q.x - p.x, q.y - p.y);
-  const double b = std::hypot(r.x - q.x, r.y - q.y);
-  const double c = std::hypot(p.x - r.x, p.y - r.y);
+  const double a = length(q.x - p.x, q.y - p.y);
+  const double b = length(r.x - q.x, r.y - q.y);
+  const double c = length(p.x - r.x, p.y - r.y);
   const double s = 0.5 * (a + b + c);
   return 8.0 * (s - a) * (s - b) * (s - c) / (a * b * c);
 }
 
-// The least quality of the triangles around v with v at `at`.
-double leastAround(View1<const Triangle> triangles, View1<const XY> vertices, int v, const XY& at) {
+// The least quality of the triangles around v with v at `at`; the count
+// stops as soon as it falls below `floor`.
+double leastAround(View1<const Triangle> triangles, View1<const XY> vertices, int v, const XY& at,
+                   double floor = 0.0) {
   const Adjacency& g = adjacency();
   double least = 2.0;
   for (int k = g.first(v); k < g.first(v + 1); ++k) {
@@ -105,26 +116,26 @@ double leastAround(View1<const Triangle> triangles, View1<const XY> vertices, in
     XY p[3];
     for (int j = 1; j <= 3; ++j) p[j - 1] = tri(j) == v ? at : vertices(tri(j));
     least = std::min(least, quality(p[0], p[1], p[2]));
-    if (least < 0.0) return least;
+    if (least < 0.0 || least < floor) return least;
   }
   return least;
 }
 
 // One sweep over the interior vertices. A vertex may go toward the mean of
-// its neighbours or toward the mean of the points that would make each
-// triangle around it equilateral on its far side, by the whole step, a half
-// or a quarter. With `keepLeast` the move that gives the highest least
-// quality around the vertex is taken, if that does not fall; otherwise the
-// first move toward the neighbours' mean that keeps every triangle turned
-// the right way. Returns the number of moves longer than a thousandth of the
+// the points that would make each triangle around it equilateral on its
+// far side, or toward the mean of its neighbours, by the whole step, a half
+// or a quarter, the first move that serves being taken. With `keepLeast`
+// it serves when the least quality around the vertex does not fall (both
+// targets are tried); otherwise when every triangle stays turned the right
+// way (the neighbours' mean only). Returns the number of moves longer than a thousandth of the
 // vertex's mean distance to its neighbours.
 int smoothSweep(int numVertices, View1<const Triangle> triangles, View1<XY> vertices,
                 bool keepLeast, int& moves) {
-  const Adjacency& g = adjacency();
+  Adjacency& g = adjacency();
   constexpr double Height = 0.8660254037844386;  // sqrt(3) / 2
   int large = 0;
   for (int v = 1; v <= numVertices; ++v) {
-    if (g.onBoundary(v) || g.first(v + 1) == g.first(v)) continue;
+    if (g.onBoundary(v) || g.settled(v) || g.first(v + 1) == g.first(v)) continue;
     double x = 0.0, y = 0.0, ix = 0.0, iy = 0.0, reach = 0.0;
     const int n = g.first(v + 1) - g.first(v);
     const XY here = vertices(v);
@@ -136,7 +147,7 @@ int smoothSweep(int numVertices, View1<const Triangle> triangles, View1<XY> vert
       const XY& c = vertices(tri(nextCorner(nextCorner(j))));
       x += b.x + c.x;
       y += b.y + c.y;
-      reach += std::hypot(b.x - here.x, b.y - here.y) + std::hypot(c.x - here.x, c.y - here.y);
+      reach += length(b.x - here.x, b.y - here.y) + length(c.x - here.x, c.y - here.y);
       ix += 0.5 * (b.x + c.x) - Height * (c.y - b.y);
       iy += 0.5 * (b.y + c.y) + Height * (c.x - b.x);
     }
@@ -145,27 +156,44 @@ int smoothSweep(int numVertices, View1<const Triangle> triangles, View1<XY> vert
     reach /= 2 * n;
     ix /= n;
     iy /= n;
-    const XY targets[2] = {XY{x, y}, XY{ix, iy}};
+    // The quality stage tries the equilateral points first.
+    const XY targets[2] = {keepLeast ? XY{ix, iy} : XY{x, y}, XY{x, y}};
     const double before = keepLeast ? leastAround(triangles, vertices, v, here) : 0.0;
+    if (keepLeast && before >= WellShaped) {
+      g.settled(v) = true;
+      continue;
+    }
     XY chosen = here;
     double best = before;
     bool found = false;
     for (double share = 1.0; share >= 0.25 && !found; share *= 0.5) {
       for (int t = 0; t < (keepLeast ? 2 : 1); ++t) {
         const XY to{here.x + share * (targets[t].x - here.x), here.y + share * (targets[t].y - here.y)};
-        const double after = leastAround(triangles, vertices, v, to);
+        const double after = leastAround(triangles, vertices, v, to, keepLeast ? best : 0.0);
         if (after <= 0.0 || (keepLeast && after < best)) continue;
         if (keepLeast && found && after == best) continue;
         chosen = to;
         best = after;
         found = true;
-        if (!keepLeast) break;
+        break;
       }
     }
-    if (!found) continue;
+    if (!found) {
+      g.settled(v) = true;
+      continue;
+    }
     vertices(v) = chosen;
     ++moves;
-    if (std::hypot(chosen.x - here.x, chosen.y - here.y) > 1e-3 * reach) ++large;
+    if (length(chosen.x - here.x, chosen.y - here.y) > 1e-3 * reach) {
+      ++large;
+      // The neighbours may find a better place now.
+      for (int k = g.first(v); k < g.first(v + 1); ++k) {
+        const Triangle& tri = triangles(g.around(k));
+        for (int j = 1; j <= 3; ++j) g.settled(tri(j)) = false;
+      }
+    } else {
+      g.settled(v) = true;
+    }
   }
   return large;
 }
@@ -201,28 +229,38 @@ void countTriangles(int numTriangles, View1<const Triangle> triangles, View1<con
   }
 }
 
-// Flip inner edges until none is left to flip (or a bound on the passes is
-// reached); the tables are made anew for each pass. Plain: the edges that
-// fail the in-circle test. `byCount`: the edges whose flip brings the four
-// vertices' triangle counts nearer their ideal ones without the least
-// quality of the two triangles falling below ValenceFlipShare of what it was.
-void flipAll(int numTriangles, View1<Triangle> triangles, View1<const XY> p, bool byCount,
-             bool& status) {
+// In triangle x, the neighbour `from` becomes `to`.
+void relink(int x, int from, int to) {
+  if (x == 0) return;
   Adjacency& g = adjacency();
-  const View1<const Triangle> seen(triangles.data(), triangles.size());
-  for (int pass = 0; pass < 50; ++pass) {
-    if (!build(numTriangles, seen, p.size(), "IMPRV2", status)) return;
-    if (byCount) countTriangles(numTriangles, seen, p);
-    auto off = [&](int v, int n) { return std::abs(n - idealCount(v)); };
+  for (int j = 1; j <= 3; ++j) {
+    if (g.neighbour(x, j) == from) {
+      g.neighbour(x, j) = to;
+      return;
+    }
+  }
+}
+
+// Flip inner edges, pass after pass over all triangles, until none is left
+// to flip or MaxFlipPasses passes are done. Plain: the edges that fail the
+// in-circle test. `byCount`: the edges whose flip brings the four vertices'
+// triangle counts nearer their ideal ones without the least quality of the
+// two triangles falling below ValenceFlipShare of what it was. The
+// neighbours and the triangle counts are kept up to date.
+void flipAll(int numTriangles, View1<Triangle> triangles, View1<const XY> p, bool byCount) {
+  Adjacency& g = adjacency();
+  auto off = [&](int v, int n) { return std::abs(n - idealCount(v)); };
+  for (int pass = 0; pass < MaxFlipPasses; ++pass) {
     int flips = 0;
     for (int t = 1; t <= numTriangles; ++t) {
-      if (g.changed(t)) continue;
       for (int j = 1; j <= 3; ++j) {
+        const int u = g.neighbour(t, j);
+        if (u == 0) continue;
         const int a = triangles(t)(j), b = triangles(t)(nextCorner(j)),
                   c = triangles(t)(nextCorner(nextCorner(j)));
-        int d = 0;
-        const int u = across(seen, t, a, b, d);
-        if (u == 0 || g.changed(u)) continue;
+        int k = 1;
+        while (k < 3 && triangles(u)(k) != b) ++k;
+        const int d = triangles(u)(nextCorner(nextCorner(k)));
         if (byCount) {
           const int na = triangleCount(a), nb = triangleCount(b), nc = triangleCount(c),
                     nd = triangleCount(d);
@@ -232,17 +270,29 @@ void flipAll(int numTriangles, View1<Triangle> triangles, View1<const XY> p, boo
           const double now = std::min(quality(p(a), p(b), p(c)), quality(p(b), p(a), p(d)));
           const double then = std::min(quality(p(c), p(a), p(d)), quality(p(d), p(b), p(c)));
           if (then <= 0.0 || then < ValenceFlipShare * now) continue;
-          triangleCount(a) -= 1;
-          triangleCount(b) -= 1;
-          triangleCount(c) += 1;
-          triangleCount(d) += 1;
         } else {
           if (IQINCR(p(a), p(b), p(c), p(d)) <= 0) continue;
           if (IQORNT(p(c), p(a), p(d)) <= 0 || IQORNT(p(d), p(b), p(c)) <= 0) continue;
         }
+        // The sides around the quadrilateral a, d, b, c.
+        const int nbc = g.neighbour(t, nextCorner(j));
+        const int nca = g.neighbour(t, nextCorner(nextCorner(j)));
+        const int nad = g.neighbour(u, nextCorner(k));
+        const int ndb = g.neighbour(u, nextCorner(nextCorner(k)));
         triangles(t) = Triangle{{c, a, d}};
         triangles(u) = Triangle{{d, b, c}};
-        g.changed(t) = g.changed(u) = true;
+        g.neighbour(t, 1) = nca;
+        g.neighbour(t, 2) = nad;
+        g.neighbour(t, 3) = u;
+        g.neighbour(u, 1) = ndb;
+        g.neighbour(u, 2) = nbc;
+        g.neighbour(u, 3) = t;
+        relink(nad, u, t);
+        relink(nbc, t, u);
+        triangleCount(a) -= 1;
+        triangleCount(b) -= 1;
+        triangleCount(c) += 1;
+        triangleCount(d) += 1;
         ++flips;
         break;
       }
@@ -263,7 +313,7 @@ void SMSAF2(int numTriangles, View1<const Triangle> triangles, View1<XY> vertice
         status);
     return;
   }
-  if (!build(numTriangles, triangles, vertices.size(), "SMSAF2", status)) return;
+  if (!build(numTriangles, triangles, vertices.size(), "SMSAF2", true, status)) return;
   for (int sweep = 0; sweep < SafeSmoothSweeps; ++sweep) {
     if (smoothSweep(vertices.size(), triangles, vertices, false, moves) == 0) return;
   }
@@ -272,10 +322,12 @@ void SMSAF2(int numTriangles, View1<const Triangle> triangles, View1<XY> vertice
 void IMPRV2(int numTriangles, View1<Triangle> triangles, View1<XY> vertices, bool& status) {
   status = false;
   const View1<const Triangle> seen(triangles.data(), triangles.size());
-  flipAll(numTriangles, triangles, vertices, false, status);
-  for (int round = 1; round <= ImproveRounds && !status; ++round) {
-    flipAll(numTriangles, triangles, vertices, true, status);
-    if (status || !build(numTriangles, seen, vertices.size(), "IMPRV2", status)) return;
+  if (!build(numTriangles, seen, vertices.size(), "IMPRV2", true, status)) return;
+  countTriangles(numTriangles, seen, vertices);
+  flipAll(numTriangles, triangles, vertices, false);
+  for (int round = 1; round <= ImproveRounds; ++round) {
+    flipAll(numTriangles, triangles, vertices, true);
+    build(numTriangles, seen, vertices.size(), "IMPRV2", false, status);
     int moves = 0;
     for (int sweep = 0; sweep < ImproveSweeps; ++sweep) {
       if (smoothSweep(vertices.size(), seen, vertices, true, moves) == 0) break;

@@ -25,11 +25,16 @@ inline constexpr int MaxImproveVertices = 20000;
 // Sweeps of the smoothing at most, and rounds of flips and smoothing of the
 // quality stage.
 inline constexpr int SafeSmoothSweeps = 50;
-inline constexpr int ImproveRounds = 6;
-inline constexpr int ImproveSweeps = 4;
+inline constexpr int ImproveRounds = 2;
+inline constexpr int ImproveSweeps = 3;
 // A flip toward better triangle counts may lower the least quality of its
 // two triangles to this share of what it was, no further.
 inline constexpr double ValenceFlipShare = 0.5;
+// The quality stage leaves a vertex alone whose triangles all have at least
+// this quality.
+inline constexpr double WellShaped = 0.95;
+// Passes over all triangles of one flipping stage at most.
+inline constexpr int MaxFlipPasses = 20;
 
 // SMSAF2: move each interior vertex toward the mean of its neighbours, by
 // the whole step or, when that would turn a triangle over, by a half or a

@@ -94,6 +94,12 @@ void scale(const Expansion& e, double b, Expansion& out) {
   if (q != 0.0) out.part[static_cast<std::size_t>(out.length++)] = q;
 }
 
+// to = from, the used components only.
+void copy(const Expansion& from, Expansion& to) {
+  std::copy_n(from.part.data(), from.length, to.part.data());
+  to.length = from.length;
+}
+
 // out = e * f for two expansions; `work` and `term` are scratch.
 void multiply(const Expansion& e, const Expansion& f, Expansion& out, Expansion& work,
               Expansion& term) {
@@ -101,7 +107,7 @@ void multiply(const Expansion& e, const Expansion& f, Expansion& out, Expansion&
   for (int k = 0; k < f.length; ++k) {
     scale(e, f.part[static_cast<std::size_t>(k)], term);
     add(out, term, work);
-    out = work;
+    copy(work, out);
   }
 }
 
@@ -175,7 +181,7 @@ int IQINCR(const XY& a, const XY& b, const XY& c, const XY& d) {
   for (int i = 0; i < 3; ++i) {
     multiply(w.lift[i], w.cross[i], w.t3, w.w1, w.w2);
     add(w.sum, w.t3, w.t1);
-    w.sum = w.t1;
+    copy(w.t1, w.sum);
   }
   return signOf(w.sum.sign());
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <string_view>
 
 #include "framework/state.h"
@@ -87,12 +86,20 @@ double twiceArea(const XY& a, const XY& b, const XY& c) {
   return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
 
-// Directed edges of a mesh as 64-bit keys, for the edge checks.
-Array1<std::uint64_t, 3 * MaxAutoTriangles> edgeKeys;
+// The directed edges of a mesh grouped by their start vertex, for the edge
+// checks: the ends of the edges from vertex a are
+// edgeEnd(edgeFirst(a) .. edgeFirst(a + 1) - 1).
+inline constexpr int MaxCheckVertices = 20000;
+Array1<int, MaxCheckVertices + 1> edgeFirst;
+Array1<int, MaxCheckVertices> edgeCursor;
+Array1<int, 3 * MaxAutoTriangles> edgeEnd;
 
-std::uint64_t edgeKey(int a, int b) {
-  return (static_cast<std::uint64_t>(static_cast<std::uint32_t>(a)) << 32) |
-         static_cast<std::uint32_t>(b);
+// Whether an edge a -> b is among those filed so far (up to edgeCursor(a)).
+bool hasEdge(int a, int b) {
+  for (int k = edgeFirst(a); k < edgeCursor(a); ++k) {
+    if (edgeEnd(k) == b) return true;
+  }
+  return false;
 }
 
 // One turned and scaled copy of the region, meshed by the plain pipeline
@@ -138,8 +145,9 @@ bool IQMSVL(int numHoles, View1<const int> polySizes, int numVertices, View1<con
     offset += n;
   }
 
+  if (numVertices > MaxCheckVertices) return false;
   double sum = 0.0;
-  int keys = 0;
+  for (int v = 1; v <= numVertices; ++v) edgeCursor(v) = 0;
   for (int t = 1; t <= numTriangles; ++t) {
     const Triangle& tri = triangles(t);
     for (int j = 1; j <= 3; ++j) {
@@ -150,16 +158,27 @@ bool IQMSVL(int numHoles, View1<const int> polySizes, int numVertices, View1<con
     const XY& c = vertices(tri(3));
     if (IQORNT(a, b, c) <= 0) return false;
     sum += 0.5 * twiceArea(a, b, c);
-    for (int j = 1; j <= 3; ++j) edgeKeys(++keys) = edgeKey(tri(j), tri(j == 3 ? 1 : j + 1));
+    for (int j = 1; j <= 3; ++j) edgeCursor(tri(j)) += 1;
   }
-  std::sort(edgeKeys.data(), edgeKeys.data() + keys);
+  edgeFirst(1) = 1;
+  for (int v = 1; v <= numVertices; ++v) {
+    edgeFirst(v + 1) = edgeFirst(v) + edgeCursor(v);
+    edgeCursor(v) = edgeFirst(v);
+  }
+  for (int t = 1; t <= numTriangles; ++t) {
+    const Triangle& tri = triangles(t);
+    for (int j = 1; j <= 3; ++j) {
+      const int a = tri(j), b = tri(j == 3 ? 1 : j + 1);
+      if (hasEdge(a, b)) return false;  // used twice in one direction
+      edgeEnd(edgeCursor(a)++) = b;
+    }
+  }
   double single = 0.0;
-  for (int k = 1; k <= keys; ++k) {
-    if (k > 1 && edgeKeys(k) == edgeKeys(k - 1)) return false;
-    const int a = static_cast<int>(edgeKeys(k) >> 32);
-    const int b = static_cast<int>(edgeKeys(k) & 0xffffffffu);
-    if (!std::binary_search(edgeKeys.data(), edgeKeys.data() + keys, edgeKey(b, a))) {
-      single += std::hypot(vertices(b).x - vertices(a).x, vertices(b).y - vertices(a).y);
+  for (int a = 1; a <= numVertices; ++a) {
+    for (int k = edgeFirst(a); k < edgeFirst(a + 1); ++k) {
+      const int b = edgeEnd(k);
+      if (!hasEdge(b, a))
+        single += std::hypot(vertices(b).x - vertices(a).x, vertices(b).y - vertices(a).y);
     }
   }
   return std::fabs(sum - area) <= 1e-9 * area && std::fabs(single - perimeter) <= 1e-9 * perimeter;
