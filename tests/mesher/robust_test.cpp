@@ -210,13 +210,19 @@ TEST_F(RobustTest, SameRegionAtAnyScaleMeshesAlike) {
   }
 }
 
-// A mesh of w x h squares, each cut into two triangles, and one more
-// triangle hung on its lower edge when `extra`.
+// A mesh of w x h unit squares, each cut into two triangles, with every
+// fifth interior vertex moved off the grid so that smoothing has work; and
+// one more triangle hung below the lower edge when `extra`.
 int gridMesh(int w, int h, bool extra, View1<XY> vertices, View1<mesher::Triangle> triangles,
              int& numVertices) {
   numVertices = 0;
-  for (int j = 0; j <= h; ++j)
-    for (int i = 0; i <= w; ++i) vertices(++numVertices) = XY{i + 0.3 * ((i * 7 + j * 3) % 5 == 0 && i > 0 && i < w && j > 0 && j < h), j * 1.0};
+  for (int j = 0; j <= h; ++j) {
+    for (int i = 0; i <= w; ++i) {
+      const bool inside = i > 0 && i < w && j > 0 && j < h;
+      const double shift = inside && (7 * i + 3 * j) % 5 == 0 ? 0.3 : 0.0;
+      vertices(++numVertices) = XY{i + shift, static_cast<double>(j)};
+    }
+  }
   auto at = [&](int i, int j) { return j * (w + 1) + i + 1; };
   int n = 0;
   for (int j = 0; j < h; ++j) {
