@@ -95,6 +95,12 @@ Array1<int, MaxCheckVertices> edgeCursor;
 Array1<int, 3 * MaxAutoTriangles> edgeEnd;
 
 // Whether an edge a -> b is among those filed so far (up to edgeCursor(a)).
+// Work lists of the repair: vertices that must stay, neighbours tried, and
+// the new numbers of the vertices kept.
+Array1<bool, MaxCheckVertices> fixedVertex;
+Array1<int, 32> triedList;
+Array1<int, MaxCheckVertices> newNumber;
+
 bool hasEdge(int a, int b) {
   for (int k = edgeFirst(a); k < edgeCursor(a); ++k) {
     if (edgeEnd(k) == b) return true;
@@ -184,6 +190,111 @@ bool IQMSVL(int numHoles, View1<const int> polySizes, int numVertices, View1<con
   return std::fabs(sum - area) <= 1e-9 * area && std::fabs(single - perimeter) <= 1e-9 * perimeter;
 }
 
+void RMINVT(int boundary, int& numVertices, View1<XY> vertices, int& numTriangles,
+            View1<Triangle> triangles) {
+  // The vertices on the region's boundary: those that start a half-edge
+  // without twin, and the points put on such half-edges.
+  const MeshData& m = meshData();
+  if (numVertices > MaxCheckVertices) return;
+  for (int v = 1; v <= numVertices; ++v) fixedVertex(v) = v <= boundary;
+  for (int e = 1; e <= m.NumHalfEdges; ++e) {
+    if (m.HalfEdge(e).Twin != 0) continue;
+    const int start = m.HalfEdge(e).Vertex;
+    if (start >= 1 && start <= numVertices) fixedVertex(start) = true;
+    const int count = std::abs(m.EdgePointCount(e));
+    for (int k = 0; k < count && m.EdgePointStart(e) > 0; ++k) {
+      const int v = m.EdgePointStart(e) + k;
+      if (v <= numVertices) fixedVertex(v) = true;
+    }
+  }
+  auto has = [&](int t, int v) {
+    return triangles(t)(1) == v || triangles(t)(2) == v || triangles(t)(3) == v;
+  };
+  // Whether every triangle around v, v taken to w, stays counterclockwise
+  // (those that hold both vanish).
+  auto canCollapse = [&](int v, int w) {
+    for (int t = 1; t <= numTriangles; ++t) {
+      if (!has(t, v) || has(t, w)) continue;
+      XY p[3];
+      for (int j = 1; j <= 3; ++j) p[j - 1] = vertices(triangles(t)(j) == v ? w : triangles(t)(j));
+      if (IQORNT(p[0], p[1], p[2]) <= 0) return false;
+    }
+    return true;
+  };
+  auto collapse = [&](int v, int w) {
+    int kept = 0;
+    for (int t = 1; t <= numTriangles; ++t) {
+      if (has(t, v) && has(t, w)) continue;
+      Triangle tri = triangles(t);
+      for (int j = 1; j <= 3; ++j) {
+        if (tri(j) == v) tri(j) = w;
+      }
+      triangles(++kept) = tri;
+    }
+    numTriangles = kept;
+  };
+
+  for (int pass = 0; pass < MaxRepairPasses; ++pass) {
+    bool changed = false;
+    for (int t = 1; t <= numTriangles; ++t) {
+      const Triangle tri = triangles(t);
+      if (IQORNT(vertices(tri(1)), vertices(tri(2)), vertices(tri(3))) > 0) continue;
+      // Collapse a free vertex of it onto its nearest neighbour that allows it.
+      bool done = false;
+      for (int j = 1; j <= 3 && !done; ++j) {
+        const int v = tri(j);
+        if (fixedVertex(v)) continue;
+        for (int tries = 0; tries < 32 && !done; ++tries) {
+          int w = 0;
+          double nearest = 0.0;
+          for (int u = 1; u <= numTriangles; ++u) {
+            if (!has(u, v)) continue;
+            for (int k = 1; k <= 3; ++k) {
+              const int c = triangles(u)(k);
+              if (c == v) continue;
+              const double d = std::hypot(vertices(c).x - vertices(v).x,
+                                          vertices(c).y - vertices(v).y);
+              bool before = false;
+              for (int q = 1; q <= tries; ++q) before = before || triedList(q) == c;
+              if (before) continue;
+              if (w == 0 || d < nearest) {
+                w = c;
+                nearest = d;
+              }
+            }
+          }
+          if (w == 0) break;
+          triedList(tries + 1) = w;
+          if (canCollapse(v, w)) {
+            collapse(v, w);
+            done = true;
+          }
+        }
+      }
+      if (done) {
+        changed = true;
+        break;
+      }
+    }
+    if (!changed) break;
+  }
+
+  // Vertices that no triangle uses any more are dropped; the others keep
+  // their order, the boundary's first.
+  for (int v = 1; v <= numVertices; ++v) newNumber(v) = 0;
+  for (int t = 1; t <= numTriangles; ++t)
+    for (int j = 1; j <= 3; ++j) newNumber(triangles(t)(j)) = 1;
+  int kept = 0;
+  for (int v = 1; v <= numVertices; ++v) {
+    if (newNumber(v) == 0 && v > boundary) continue;
+    newNumber(v) = ++kept;
+    vertices(kept) = vertices(v);
+  }
+  for (int t = 1; t <= numTriangles; ++t)
+    for (int j = 1; j <= 3; ++j) triangles(t)(j) = newNumber(triangles(t)(j));
+  numVertices = kept;
+}
+
 void TRRBM2(int numHoles, View1<const int> polySizes, const RobustSettings& settings,
             int& numVertices, View1<XY> vertices, int& count, View1<Triangle> triangles,
             bool& status) {
@@ -228,6 +339,9 @@ void TRRBM2(int numHoles, View1<const int> polySizes, const RobustSettings& sett
               vertices, count, triangles, failed);
     }
     if (failed) continue;
+    if (!IQMSVL(numHoles, polySizes, numVertices, vertices, count, triangles)) {
+      RMINVT(boundary, numVertices, vertices, count, triangles);
+    }
     if (IQMSVL(numHoles, polySizes, numVertices, vertices, count, triangles)) {
       done = true;
     } else if (!held.any) {

@@ -13,6 +13,7 @@
 //   TRRBM2  mesh one region in the robust mode for a triangle count
 //   TRRBA2  mesh one region in the robust mode for a required mean quality
 //   IQMSVL  whether a region's triangles fill it exactly once, all counterclockwise
+//   RMINVT  remove the free vertices of triangles turned over by collapsing them
 //   IQCVCR  the first two closed curves of the profile that cross, overlap or touch
 #pragma once
 
@@ -25,6 +26,8 @@ namespace kntr::mesher {
 
 // Turns of the region tried before the robust mode gives up.
 inline constexpr int MaxRobustAttempts = 8;
+// Passes of the repair of triangles turned over, each removing one vertex.
+inline constexpr int MaxRepairPasses = 50;
 
 // What the robust mode does after the mesh is made.
 struct RobustSettings {
@@ -57,6 +60,15 @@ void TRRBA2(int maxIterations, double requiredQuality, int numHoles, View1<const
 // as for TRNSM2 by polySizes and the first vertices.
 bool IQMSVL(int numHoles, View1<const int> polySizes, int numVertices, View1<const XY> vertices,
             int numTriangles, View1<const Triangle> triangles);
+
+// RMINVT: while a triangle is turned over or flat, move one of its vertices
+// that is not on the region's boundary (the first `boundary` vertices and
+// those that the last TRNSM2 run put on the boundary's edges) onto its
+// nearest neighbour that leaves every other triangle around it
+// counterclockwise, dropping the triangles that held both; then drop the
+// vertices no triangle uses. The boundary's vertices keep their numbers.
+void RMINVT(int boundary, int& numVertices, View1<XY> vertices, int& numTriangles,
+            View1<Triangle> triangles);
 
 // IQCVCR: the first pair of the profile's closed curves (those that do not
 // cross themselves, which the mesher uses) that cross, overlap, coincide or

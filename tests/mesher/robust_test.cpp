@@ -210,6 +210,37 @@ TEST_F(RobustTest, SameRegionAtAnyScaleMeshesAlike) {
   }
 }
 
+TEST_F(RobustTest, TrianglesTurnedOverLoseTheirFreeVertex) {
+  // A square fanned around a vertex that lies outside it: two triangles
+  // turn over. The free vertex goes onto a corner, the boundary stays.
+  m() = mesher::MeshData{};
+  const XY points[5] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {1.2, 0.5}};
+  for (int i = 1; i <= 5; ++i) vertices()(i) = points[i - 1];
+  const int fan[4][3] = {{1, 2, 5}, {2, 3, 5}, {3, 4, 5}, {4, 1, 5}};
+  for (int t = 1; t <= 4; ++t)
+    triangles()(t) = mesher::Triangle{{fan[t - 1][0], fan[t - 1][1], fan[t - 1][2]}};
+  const int sizes[1] = {4};
+  const View1<const int> polySizes(sizes, 1);
+  int numVertices = 5, numTriangles = 4;
+  EXPECT_FALSE(mesher::IQMSVL(0, polySizes, numVertices, vertices(), numTriangles, triangles()));
+  mesher::RMINVT(4, numVertices, vertices(), numTriangles, triangles());
+  EXPECT_EQ(numVertices, 4);
+  EXPECT_EQ(numTriangles, 2);
+  EXPECT_TRUE(mesher::IQMSVL(0, polySizes, numVertices, vertices(), numTriangles, triangles()));
+  for (int i = 1; i <= 4; ++i) EXPECT_TRUE(vertices()(i) == points[i - 1]) << i;
+
+  // With the inner vertex counted as boundary nothing may move: the mesh
+  // stays as it was, and not proper.
+  for (int i = 1; i <= 5; ++i) vertices()(i) = points[i - 1];
+  for (int t = 1; t <= 4; ++t)
+    triangles()(t) = mesher::Triangle{{fan[t - 1][0], fan[t - 1][1], fan[t - 1][2]}};
+  numVertices = 5;
+  numTriangles = 4;
+  mesher::RMINVT(5, numVertices, vertices(), numTriangles, triangles());
+  EXPECT_EQ(numTriangles, 4);
+  EXPECT_FALSE(mesher::IQMSVL(0, polySizes, numVertices, vertices(), numTriangles, triangles()));
+}
+
 // A mesh of w x h unit squares, each cut into two triangles, with every
 // fifth interior vertex moved off the grid so that smoothing has work; and
 // one more triangle hung below the lower edge when `extra`.
