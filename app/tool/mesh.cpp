@@ -1,5 +1,6 @@
 // kntr-tool mesh: the interior mesh of a profile, its figures, and the
 // finite element, viewer and plain files.
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -51,6 +52,10 @@ bool writePlain(const std::string& name, const Mesh& mesh) {
     return false;
   }
   return true;
+}
+
+void writeWarning(const std::string& text) {
+  std::fputs((text + "\n").c_str(), stderr);
 }
 
 // The writers ask before they replace a file; here the command line has
@@ -123,6 +128,11 @@ int meshCommand(const Arguments& arguments) {
                  View1<mesher::Triangle>(mesh->triangles), status);
   if (status) return fail("");
   if (mesh->numTriangles == 0) return fail("Could not establish interior mesh for profile!");
+  // A warning of the quality search goes to standard error; the other
+  // notices of a run that succeeded are dropped.
+  const char* const unmet = "Required mesh quality was not obtained!";
+  if (platform::testconsole::takeOutput().find(unmet) != std::string::npos)
+    writeWarning(unmet);
 
   const View1<const XY> vertices(mesh->vertices.data(), mesh->numVertices);
   const View1<const mesher::Triangle> triangleView(mesh->triangles.data(), mesh->numTriangles);

@@ -34,6 +34,9 @@ check "viewer file header" grep -q '^\* FILE VERSION:    4' mesh.tvw
 check "existing output is replaced" test $? -eq 0
 "$KNTR_TOOL" mesh "$bench/square-hole.kntr" --classic --no-improve --smooth >/dev/null
 check "plain pipeline exit 0" test $? -eq 0
+"$KNTR_TOOL" mesh "$bench/square-hole.kntr" --auto 0.999 --triangles 500 >out.txt 2>err.txt
+check "unreachable quality exit 0" test $? -eq 0
+check "unreachable quality warned" grep -qxF 'Required mesh quality was not obtained!' err.txt
 # The hole moved across the right side of the square: refused, curves named.
 awk '/^[0-9]+ T [0-9]+$/ { c++ } c == 2 && NF == 4 { $3 = $3 + 5 } { print }' \
   "$bench/square-hole.kntr" >crossing.kntr
