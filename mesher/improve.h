@@ -26,7 +26,7 @@ inline constexpr int MaxImproveVertices = 20000;
 // quality stage.
 inline constexpr int SafeSmoothSweeps = 50;
 inline constexpr int ImproveRounds = 2;
-inline constexpr int ImproveSweeps = 3;
+inline constexpr int ImproveSweeps = 1;
 // A flip toward better triangle counts may lower the least quality of its
 // two triangles to this share of what it was, no further.
 inline constexpr double ValenceFlipShare = 0.5;
