@@ -67,6 +67,8 @@ struct ProfileData {
   bool MESHAU = false;             // the mesh density is set automatically
   int MESHDN = 1000;               // requested number of triangles
   double MESHQL = 0.85;            // required mean mesh quality
+  bool MESHRB = false;             // the mesh is made in the robust mode
+  bool MESHIM = false;             // the robust mode improves the mesh's quality
   bool SHOWIP = false;             // interpolated points drawn as marks
   bool SHOWCP = false;             // control polygon selected for drawing
   bool SHOWLS = true;              // curves drawn with line strokes

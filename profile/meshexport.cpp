@@ -11,6 +11,7 @@
 #include "mesher/driver.h"
 #include "mesher/limits.h"
 #include "profile/meshformats.h"
+#include "mesher/robust.h"
 
 namespace kntr::profile {
 
@@ -82,6 +83,10 @@ void XPMESH(bool& status) {
   ExportMesh& mesh = exportMesh();
   int numVertices = 0, numTriangles = 0;
   bool failed = false;
+  // Curves that cross, overlap or touch give a mesh that covers parts twice.
+  int first = 0, second = 0;
+  mesher::IQCVCR(first, second, failed);
+  if (first > 0) framework::ERRSCN(mesher::crossingCurvesMessage(first, second));
   mesher::IQPMSH(mesher::ResultVertices, mesher::ResultTriangles, View1<double>(mesh.quality),
                  numVertices, View1<XY>(mesh.vertices), numTriangles,
                  View1<mesher::Triangle>(mesh.triangles), failed);

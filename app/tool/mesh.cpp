@@ -1,6 +1,7 @@
 // kntr-tool mesh: the interior mesh of a profile, its figures, and the
 // finite element, viewer and plain files.
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "framework/text.h"
 #include "mesher/driver.h"
 #include "mesher/limits.h"
+#include "mesher/robust.h"
 #include "platform/console.h"
 #include "profile/block.h"
 #include "profile/meshexport.h"
@@ -19,8 +21,9 @@ namespace kntr::tool {
 namespace {
 
 const char* const meshUsage =
-    "mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT] [--plain OUT]\n"
-    "                 [--msh OUT] [--vtk OUT] [--vtu OUT] [--nastran OUT]";
+    "mesh FILE [--triangles N] [--auto Q] [--smooth] [--classic] [--improve] [--no-improve]\n"
+    "                 [--fem OUT] [--tvew OUT] [--plain OUT] [--msh OUT] [--vtk OUT] [--vtu OUT]\n"
+    "                 [--nastran OUT]";
 
 struct Mesh {
   int numVertices = 0;
@@ -52,6 +55,10 @@ bool writePlain(const std::string& name, const Mesh& mesh) {
     return false;
   }
   return true;
+}
+
+void writeWarning(const std::string& text) {
+  std::fputs((text + "\n").c_str(), stderr);
 }
 
 // The writers ask before they replace a file; here the command line has
@@ -89,12 +96,18 @@ int meshCommand(const Arguments& arguments) {
   const char* const exchangeOptions[4] = {"--msh", "--vtk", "--vtu", "--nastran"};
   int triangles = 0;
   double quality = 0.0;
-  bool automatic = false, smooth = false;
+  bool automatic = false, smooth = false, classic = false, improve = true;
   for (std::size_t k = 1; k < arguments.size(); ++k) {
     const std::string& option = arguments[k];
     const bool hasValue = k + 1 < arguments.size();
     if (option == "--smooth") {
       smooth = true;
+    } else if (option == "--classic") {
+      classic = true;
+    } else if (option == "--improve") {
+      improve = true;
+    } else if (option == "--no-improve") {
+      improve = false;
     } else if (option == "--triangles" && hasValue) {
       if (!parseInteger(arguments[++k], triangles) || triangles < 1) return usage(meshUsage);
     } else if (option == "--auto" && hasValue) {
@@ -125,6 +138,16 @@ int meshCommand(const Arguments& arguments) {
     p.MESHQL = quality;
   }
   if (smooth) p.MESHLP = true;
+  // The robust mode with the quality stage unless the plain pipeline is asked for.
+  p.MESHRB = !classic;
+  p.MESHIM = !classic && improve;
+
+  // Curves that cross, overlap or touch would be meshed twice over.
+  int first = 0, second = 0;
+  bool refused = false;
+  mesher::IQCVCR(first, second, refused);
+  if (refused) return fail("");
+  if (first > 0) return fail(mesher::crossingCurvesMessage(first, second));
 
   auto mesh = std::make_unique<Mesh>();
   bool status = false;
@@ -133,6 +156,11 @@ int meshCommand(const Arguments& arguments) {
                  View1<mesher::Triangle>(mesh->triangles), status);
   if (status) return fail("");
   if (mesh->numTriangles == 0) return fail("Could not establish interior mesh for profile!");
+  // A warning of the quality search goes to standard error; the other
+  // notices of a run that succeeded are dropped.
+  const char* const unmet = "Required mesh quality was not obtained!";
+  if (platform::testconsole::takeOutput().find(unmet) != std::string::npos)
+    writeWarning(unmet);
 
   const View1<const XY> vertices(mesh->vertices.data(), mesh->numVertices);
   const View1<const mesher::Triangle> triangleView(mesh->triangles.data(), mesh->numTriangles);

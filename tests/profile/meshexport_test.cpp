@@ -191,5 +191,20 @@ TEST_F(MeshExport, MenuCancelledWritesNothing) {
   }
 }
 
+TEST_F(MeshExport, CrossingCurvesAreNamedBeforeTheMenu) {
+  bool loaded = false, status = false;
+  GTKNTR(std::string(KNTR_SOURCE_DIR) + "/data/bench/square-hole.kntr", true, loaded, status);
+  ASSERT_TRUE(loaded);
+  profile().MESHDN = 200;
+  // The hole moved across the square's right side.
+  for (int j = 1; j <= profile().NPRPNT(2); ++j) profile().PRPNTS(2, j)(1) += 5.0;
+  output();
+  exportMenu("\n3\n");
+  const std::string said = output();
+  const std::size_t warned = said.find("(IQCVCR) Curves 1 and 2 cross, overlap or touch each other!");
+  EXPECT_NE(warned, npos) << said;
+  EXPECT_LT(warned, said.find("EXPORT FORMAT SELECTION"));
+}
+
 }  // namespace
 }  // namespace kntr::profile
