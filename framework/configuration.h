@@ -186,6 +186,10 @@ struct TerminalTable {
   int count = 0;
   int columns = 80;
   int lines = 24;
+  // The size was fixed by an option, the environment or a definition file;
+  // otherwise the console's own size stands in for the type's default.
+  bool columnsFixed = false;
+  bool linesFixed = false;
   char punctuation = ';';
   // Environment as read at set-up.
   std::string display;

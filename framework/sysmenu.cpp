@@ -155,7 +155,9 @@ void projectMenu(bool& status) {
         SLPROJ(failed);
         break;
       case 2:
+        // The project file keeps the new identification at once.
         ASKIDN(failed);
+        if (!failed) STPJCT(failed);
         break;
       default:
         p.printLevel = selectOne("PRINTOUT LEVEL ", levels, p.printLevel,

@@ -3,13 +3,18 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
+
+#include <csignal>
 
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -42,6 +47,8 @@ class Terminal : public ::testing::Test {
     ASSERT_GE(child_, 0);
     if (child_ == 0) {
       if (::chdir(scratch_.c_str()) != 0) std::_Exit(125);
+      rlimit noCore{};
+      ::setrlimit(RLIMIT_CORE, &noCore);
       ::setenv("HOME", (scratch_ / "home").c_str(), 1);
       ::setenv("TERM", "xterm", 1);
       ::setenv("KNTR_SITE_CONFIG_DIR", (scratch_ / "site").c_str(), 1);
@@ -87,6 +94,23 @@ class Terminal : public ::testing::Test {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
+  // The terminal's modes as the program left them: key by key (false) or
+  // line by line with echo (true).
+  bool lineMode() {
+    termios modes{};
+    if (::tcgetattr(master_, &modes) != 0) return false;
+    return (modes.c_lflag & ICANON) != 0 && (modes.c_lflag & ECHO) != 0;
+  }
+  // Reads what the program writes until it closes the terminal.
+  void drain() {
+    while (waitFor("\x01never\x01")) {
+    }
+  }
+  std::string logText() {
+    std::ifstream in(scratch_ / "home" / "T-cnfg" / "Tarvik.log");
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  }
+
   fs::path scratch_;
   pid_t child_ = -1;
   int master_ = -1;
@@ -130,6 +154,50 @@ TEST_F(Terminal, ControlDOnAnEmptyLineEndsTheInput) {
   send("\x04");
   ASSERT_TRUE(waitFor("Terminating program due to EOF on input"));
   EXPECT_EQ(exitStatus(), 1);
+}
+
+// A signal that ends the program at a question: the terminal is back in
+// line mode with the cursor shown and no mouse reports, the log has a line,
+// and the process dies of that signal.
+TEST_F(Terminal, FatalSignalsGiveTheTerminalBack) {
+  for (int signal : {SIGQUIT, SIGSEGV, SIGABRT}) {
+    SCOPED_TRACE(signal);
+    start();
+    ASSERT_TRUE(waitFor("Input name of project file?"));
+    ASSERT_TRUE(waitFor("\x1b[?1006h")) << "waiting for a line";
+    EXPECT_FALSE(lineMode()) << "keys are read one by one";
+    ASSERT_EQ(::kill(child_, signal), 0);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child_, &status, 0), child_);
+    child_ = -1;
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+    drain();
+    EXPECT_TRUE(lineMode());
+    const std::string tail = all_.substr(all_.rfind("\x1b[?1006h"));
+    EXPECT_NE(tail.find("\x1b[?1000l\x1b[?1006l\x1b[?25h"), std::string::npos);
+    EXPECT_NE(logText().find("terminated by signal " + std::to_string(signal) + "\n"),
+              std::string::npos);
+    ::close(master_);
+    master_ = -1;
+    all_.clear();
+    seen_.clear();
+    fs::remove(scratch_ / "home" / "T-cnfg" / "Tarvik.log");
+  }
+}
+
+// Suspended at a question, the terminal goes back to line mode; resumed,
+// the program takes it again, draws the question anew and goes on.
+TEST_F(Terminal, SuspendAndResumeRedrawTheQuestion) {
+  start();
+  ASSERT_TRUE(waitFor("Input name of project file?"));
+  ASSERT_TRUE(waitFor("\x1b[?1006h"));
+  ASSERT_EQ(::kill(child_, SIGTSTP), 0);
+  ::kill(child_, SIGCONT);
+  ASSERT_TRUE(waitFor("\x1b[?25h")) << "the cursor shown for the shell";
+  ASSERT_TRUE(waitFor("Input name of project file?")) << "the question drawn again";
+  EXPECT_FALSE(lineMode());
+  send("demo\r");
+  ASSERT_TRUE(waitFor("OK to create new project"));
 }
 
 }  // namespace

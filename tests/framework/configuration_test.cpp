@@ -91,7 +91,8 @@ TEST_F(Configure, CommandLineOptionsTakeTheNextArgument) {
   EXPECT_EQ(o.configuration, "site.rc");
   EXPECT_EQ(o.file, "profile.knt");
   EXPECT_EQ(o.fileLength, 5);  // the terminal name's length, kept as it always was
-  EXPECT_EQ(output(), "");
+  // A word that looks like an option is named; other words pass in silence.
+  EXPECT_EQ(output(), " (GTPGOP) Unknown option ** -Lines ** ignored\n");
 
   // A size that is no number stops the scan.
   resetCommandLine();
@@ -202,14 +203,17 @@ TEST_F(Configure, DeletingKeepsTheDefaultOnItsEntry) {
 TEST_F(Configure, SiteThenUserAndTheLaterWins) {
   siteFile("show-time=4\ndefine-printer=site\nprinter-lines=50\ndefault-user=anna\n");
   userFile("show-time=0\ndefine-printer=site\nprinter-lines=70\ndefine-printer=mine\n");
+  program().defaultCompany = "from an earlier reading";
   EXPECT_STATUS(false, CFSETP(status));
   const Configuration& c = configuration();
   ASSERT_EQ(c.fileCount, 2);
   EXPECT_EQ(c.files(1), path("site/Tarvik-2016A.rc"));
   EXPECT_EQ(c.files(2), path("home/T-cnfg/Tarvik-2016A.ini"));
   EXPECT_EQ(program().showTime, 0);
-  EXPECT_EQ(printers(), "site  70; mine  66");
+  // A name defined again starts an entry of its own.
+  EXPECT_EQ(printers(), "site  50; site  70; mine  66");
   EXPECT_EQ(program().defaultUser, "anna");
+  EXPECT_EQ(program().defaultCompany, "");
   EXPECT_EQ(output(), "");
 }
 

@@ -99,7 +99,7 @@ TEST_F(Menus, WrongMalformedAndSpecialAnswersRedraw) {
   EXPECT_FALSE(inputLeft());
 
   program().backupCounter = 0;
-  type("1 , 2\n#date\n\n2\n");
+  type("'a'b\n#date\n\n2\n");
   EXPECT_EQ(menu({"A", "B"}, 0).selection, 2);
   EXPECT_EQ(occurrences(output(), "TEST MENU"), 3);
   EXPECT_EQ(program().backupCounter, 1);  // only the valid answer counted
