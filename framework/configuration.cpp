@@ -970,6 +970,15 @@ void IZTERM(bool& status) {
   program().screenLines = t.lines;
 }
 
+void takeConsoleSize() {
+  ProgramState& p = program();
+  const TerminalTable& t = terminal();
+  int columns = 0, lines = 0;
+  platform::WinConF::getSize(columns, lines);
+  if (!t.columnsFixed && columns > 0) p.screenColumns = columns;
+  if (!t.linesFixed && lines > 0) p.screenLines = lines;
+}
+
 void RDTERM(std::string_view fileName, bool& status) {
   status = false;
   const std::string name(fileName);

@@ -227,6 +227,12 @@ void RDCONF(std::string_view fileName, bool& status);
 //   status: set when a size does not convert or a definition file fails.
 void IZTERM(bool& status);
 
+// The screen's size for the menus: what an option, the environment or a
+// terminal definition file fixed, else the console's own size (which stands
+// in for a built-in terminal's default). Run after IZTERM and whenever the
+// terminal window changes its size.
+void takeConsoleSize();
+
 // RDTERM: read a terminal definition file ("columns", "lines",
 // "punctuation-mark", "terminal-output") into the terminal table.
 //   status: set when the file fails or a value does not convert.

@@ -29,17 +29,6 @@ const char* modeWord(int mode) {
 }
 
 
-// The screen's size for the menus: what the options, the environment or a
-// terminal definition fixed, else the console's own size.
-void takeConsoleSize() {
-  ProgramState& p = program();
-  const TerminalTable& t = terminal();
-  int columns = 0, lines = 0;
-  WinConF::getSize(columns, lines);
-  if (!t.columnsFixed && columns > 0) p.screenColumns = columns;
-  if (!t.linesFixed && lines > 0) p.screenLines = lines;
-}
-
 }  // namespace
 
 void PGINIT(bool& status) {

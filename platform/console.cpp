@@ -39,6 +39,8 @@ struct DescriptorSource : ByteSource {
   int next() override {
     unsigned char byte = 0;
     for (;;) {
+      // A signal that came while no read was waiting is acted on now.
+      if (resumedFlag || resizedFlag) afterInterruption();
       ssize_t n = ::read(STDIN_FILENO, &byte, 1);
       if (n == 1) return byte;
       if (n < 0 && errno == EINTR) {

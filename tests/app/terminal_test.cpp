@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -39,7 +40,8 @@ class Terminal : public ::testing::Test {
     fs::remove_all(scratch_);
   }
 
-  void start() {
+  // Starts the program; `option` and `value`, when given, go on its command line.
+  void start(const char* option = nullptr, const char* value = nullptr) {
     winsize size{};
     size.ws_col = 80;
     size.ws_row = 24;
@@ -54,8 +56,10 @@ class Terminal : public ::testing::Test {
       ::setenv("KNTR_SITE_CONFIG_DIR", (scratch_ / "site").c_str(), 1);
       ::unsetenv("NO_COLOR");
       ::unsetenv("TARVIKRC");
+      ::unsetenv("COLUMNS");
+      ::unsetenv("LINES");
       const std::string program = std::string(KNTR_BINARY_DIR) + "/app/kntr";
-      ::execl(program.c_str(), program.c_str(), static_cast<char*>(nullptr));
+      ::execl(program.c_str(), program.c_str(), option, value, static_cast<char*>(nullptr));
       std::_Exit(126);
     }
   }
@@ -106,6 +110,42 @@ class Terminal : public ::testing::Test {
     while (waitFor("\x01never\x01")) {
     }
   }
+  // Blanks in front of the last menu row "1.  ... <text>", colour
+  // sequences skipped: the menu's margin, a quarter of the screen's width.
+  int marginOfFirstRow(const std::string& text) {
+    const std::size_t at = all_.rfind("1.  ... " + text);
+    if (at == std::string::npos) return -1;
+    std::size_t p = at;
+    while (p > 0 && all_[p - 1] == 'm') {  // an SGR sequence ends in 'm'
+      const std::size_t start = all_.rfind('\x1b', p - 1);
+      if (start == std::string::npos) break;
+      p = start;
+    }
+    int blanks = 0;
+    while (p > 0 && all_[p - 1] == ' ') {
+      --p;
+      ++blanks;
+    }
+    return blanks;
+  }
+  void createProject(const std::string& name) {
+    ASSERT_TRUE(waitFor("Input name of project file?"));
+    send(name + "\r");
+    ASSERT_TRUE(waitFor("OK to create new project"));
+    send("yes\r");
+    ASSERT_TRUE(waitFor("company identification"));
+    send("ACME\r");
+    ASSERT_TRUE(waitFor("user identification"));
+    send("me\r");
+    ASSERT_TRUE(waitFor("Select item number [1-9] ?"));
+  }
+  void resizeTerminal(int columns, int lines) {
+    winsize size{};
+    size.ws_col = static_cast<unsigned short>(columns);
+    size.ws_row = static_cast<unsigned short>(lines);
+    ASSERT_EQ(::ioctl(master_, TIOCSWINSZ, &size), 0);
+  }
+
   std::string logText() {
     std::ifstream in(scratch_ / "home" / "T-cnfg" / "Tarvik.log");
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
@@ -182,6 +222,36 @@ TEST_F(Terminal, FatalSignalsGiveTheTerminalBack) {
     all_.clear();
     seen_.clear();
     fs::remove(scratch_ / "home" / "T-cnfg" / "Tarvik.log");
+  }
+}
+
+// A new window size counts at the next menu, unless the command line fixed
+// the width.
+TEST_F(Terminal, WindowSizeChangeIsFollowedUnlessAnOptionFixesIt) {
+  const struct {
+    const char* option;
+    const char* value;
+    int before, after;  // the menu's margin before and after the change
+  } cases[] = {{nullptr, nullptr, 20, 30}, {"-columns", "100", 25, 25}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.option ? c.option : "no option");
+    start(c.option, c.value);
+    createProject(c.option ? "fixed" : "free");
+    EXPECT_EQ(marginOfFirstRow("Input bounding box"), c.before);
+    resizeTerminal(120, 30);
+    // The next menu is laid out anew: the box question, aborted, leads back.
+    send("1\r");
+    ASSERT_TRUE(waitFor("Input min and max X-coordinates of bounding box [m]"));
+    send("$\r");
+    ASSERT_TRUE(waitFor("Select item number [1-9] ?"));
+    EXPECT_EQ(marginOfFirstRow("Modify bounding box"), c.after);
+    ::kill(child_, SIGTERM);
+    ::waitpid(child_, nullptr, 0);
+    child_ = -1;
+    ::close(master_);
+    master_ = -1;
+    all_.clear();
+    seen_.clear();
   }
 }
 

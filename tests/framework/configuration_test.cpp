@@ -379,5 +379,25 @@ TEST_F(Configure, DefinitionFileWithItsOwnPunctuationMark) {
   EXPECT_TRUE(Contains(output(), "INTERNAL"));
 }
 
+// The screen's size for the menus: what an option, the environment or a
+// definition file fixes holds against the console's own size, which stands
+// in for a built-in terminal's default.
+TEST_F(Configure, ScreenSizeOfOptionsAndDefinitionsHoldsAgainstTheConsole) {
+  write("terms/long.TERM", "lines=40\n");
+  configuration().primaryTerminalDirectory = path("terms");
+  resize(132, 50);  // the console
+  ::setenv("TERM", "xterm", 1);
+  EXPECT_STATUS(false, IZTERM(status));
+  takeConsoleSize();
+  EXPECT_EQ(program().screenColumns, 132);
+  EXPECT_EQ(program().screenLines, 50);
+  ::setenv("TERM", "long", 1);
+  ::setenv("COLUMNS", "90", 1);
+  EXPECT_STATUS(false, IZTERM(status));
+  takeConsoleSize();
+  EXPECT_EQ(program().screenColumns, 90);
+  EXPECT_EQ(program().screenLines, 40);
+}
+
 }  // namespace
 }  // namespace kntr::framework
