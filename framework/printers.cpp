@@ -457,7 +457,7 @@ bool openFilePrinter(int entry, bool& status) {
     if (fileExists(name)) {
       bool overwrite = false, cancelled = false;
       askYesNo("OK to overwrite file ** {gre" + literal(name) + "{yel ** ? (yes/no)", false, "no",
-               "", false, overwrite, cancelled);
+               "This will leave the file with the new listing only", false, overwrite, cancelled);
       if (!overwrite) continue;
     }
     OPPRNT(TargetFilePrinter, name, e.interface, e.linesPerPage, "", failed);

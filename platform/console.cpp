@@ -399,10 +399,14 @@ bool readEscape(int& button, int& column, int& row) {
   if (std::sscanf(body.c_str() + 1, "%d;%d;%d", &code, &x, &y) != 3) return false;
   if (code & 32) return false;   // motion
   if (code & 64) return false;   // wheel
+  // A terminal does not say how many buttons the mouse has: the variable
+  // KNTR_MOUSE_BUTTONS does (2 or 3, default 3).
+  int buttons = 3;
+  if (const char* env = std::getenv("KNTR_MOUSE_BUTTONS"); env && std::atoi(env) == 2) buttons = 2;
   switch (code & 3) {
-    case 0: button = 1; break;  // left
-    case 1: button = 2; break;  // middle
-    case 2: button = 3; break;  // right: the number of buttons of a three-button mouse
+    case 0: button = 1; break;        // left
+    case 1: button = 2; break;        // middle
+    case 2: button = buttons; break;  // right: the number of buttons
     default: return false;
   }
   column = x;
