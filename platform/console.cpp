@@ -446,7 +446,9 @@ void initialize() {
     c.outputTerminal = ::isatty(STDOUT_FILENO) == 1;
     const char* noColor = std::getenv("NO_COLOR");
     c.colours = c.outputTerminal && !(noColor && *noColor);
-    if (!c.initialized && (c.inputTerminal || c.outputTerminal)) {
+    if (!c.initialized) {
+      // Also a scripted run removes the temporary file of a save and logs
+      // its end when a signal stops it.
       std::atexit(atExit);
       for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGSEGV, SIGABRT, SIGBUS, SIGFPE,
                          SIGILL})
