@@ -415,8 +415,8 @@ bool readEscape(int& button, int& column, int& row) {
 }
 
 // A read was interrupted by a signal: after a suspension take the terminal
-// again and write the current line anew; after a change of the window's
-// size tell the framework.
+// again and draw the screen anew since its last clearing (the question and
+// what was typed); after a change of the window's size tell the framework.
 void afterInterruption() {
   Console& c = con();
   if (resumedFlag) {

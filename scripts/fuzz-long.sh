@@ -8,6 +8,6 @@ cd "$here"
 seconds="${1:-600}"
 scripts/ensure-deps.sh
 CC=clang CXX=clang++ cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-  -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" -DKNTR_SANITIZE=ON -DKNTR_FUZZ=ON -DKNTR_BENCH=OFF
+  -DCMAKE_CXX_FLAGS_DEBUG="-gline-tables-only -O1" -DKNTR_SANITIZE=ON -DKNTR_FUZZ=ON -DKNTR_BENCH=OFF
 cmake --build build/sanitize -j "${KNTR_JOBS:-$(nproc)}"
 scripts/run-fuzzers.sh build/sanitize "$seconds"
