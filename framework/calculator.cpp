@@ -107,6 +107,7 @@ struct Token {
   double real = 0.0;
   int digitCount = 0;
   int leadingZeros = 0;
+  bool overflow = false;  // the digits are beyond the integer range
 };
 
 // One level of the value stack.
@@ -121,6 +122,7 @@ struct Level {
   int first = 0;
   int last = 0;
   bool failed = false;  // an error has been reported for this value already
+  bool overflow = false;  // integer arithmetic left the integer range on the way
 };
 
 struct ValueStack {
@@ -135,6 +137,7 @@ struct Evaluation {
   int* integerResult = nullptr;
   double* realResult = nullptr;
   bool* logicalResult = nullptr;
+  std::string_view text;  // the expression, for the messages
 };
 
 bool isLetter(unsigned char c) {
@@ -147,6 +150,8 @@ bool isDigit(unsigned char c) {
 int wrapped(std::int64_t v) {
   return static_cast<int>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(v)));
 }
+
+bool beyondInteger(std::int64_t v) { return v > INT_MAX || v < INT_MIN; }
 
 // A real as an integer: truncated, saturated at the integer range, NaN as 0.
 int saturated(double v) {
@@ -176,10 +181,11 @@ double scaled(double mantissa, double exponent) {
   return mantissa * std::pow(10.0, e);
 }
 
-// Integer power with wrap-around; a negative exponent gives the integer
-// quotient 1 / base^|e|.
-int integerPower(int base, int exponent, bool& divideByZero) {
+// Integer power with wrap-around (`overflow` tells when it wrapped); a
+// negative exponent gives the integer quotient 1 / base^|e|.
+int integerPower(int base, int exponent, bool& divideByZero, bool& overflow) {
   divideByZero = false;
+  overflow = false;
   if (exponent < 0) {
     if (base == 0) {
       divideByZero = true;
@@ -191,6 +197,11 @@ int integerPower(int base, int exponent, bool& divideByZero) {
   }
   std::uint32_t result = 1;
   std::uint32_t factor = static_cast<std::uint32_t>(base);
+  std::int64_t exact = 1;
+  for (int e = 0; e < exponent && !overflow && base != 0 && base != 1; ++e) {
+    exact *= base;
+    overflow = beyondInteger(exact);
+  }
   for (unsigned e = static_cast<unsigned>(exponent); e != 0; e >>= 1) {
     if (e & 1u) result *= factor;
     factor *= factor;
@@ -284,6 +295,7 @@ int EXTOKN(std::string_view text, int& position, Token& token) {
         ++token.leadingZeros;
       integer = integer * 10u + static_cast<std::uint32_t>(d);
       real = real * 10.0 + d;
+      if (real > static_cast<double>(INT_MAX)) token.overflow = true;
       ++end;
     }
     token.integer = static_cast<int>(integer);
@@ -374,6 +386,7 @@ void EXPUSH(const Token& token, ValueStack& stack, bool& overflow) {
       v.real = token.real;
       v.digitCount = token.digitCount;
       v.leadingZeros = token.leadingZeros;
+      v.overflow = token.overflow;
       break;
     case TkTruth:
       v.type = ValueLogical;
@@ -404,17 +417,26 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
     status = true;
     result.failed = true;
   };
+  bool overflow = false;
+  for (int i = 1; i <= length; ++i) overflow = overflow || at(i).overflow;
 
   switch (rule) {
     case RuleAccept: {
       const Level& v = at(1);
       stack.top = base;
       if (v.failed) return;
-      if (e.wanted == ValueInteger) {
-        if (v.type == ValueInteger)
+      const std::string shown = " ** {gre" + literal(e.text) + "{red **";
+      if (v.overflow && numeric(v)) {
+        ERRSCN("Integer out of range" + shown);
+        status = true;
+      } else if (e.wanted == ValueInteger) {
+        if (v.type == ValueInteger) {
           *e.integerResult = v.integer;
-        else
+        } else {
+          ERRSCN((v.type == ValueReal ? "Integer value expected" : "Numeric value expected") +
+                 shown);
           status = true;
+        }
       } else if (e.wanted == ValueReal) {
         if (!numeric(v)) {
           ERRSCN("TYPE FEJL");
@@ -426,10 +448,12 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
           *e.realResult = asReal(v);
         }
       } else if (e.wanted == ValueLogical) {
-        if (v.type == ValueLogical)
+        if (v.type == ValueLogical) {
           *e.logicalResult = v.logical;
-        else
+        } else {
+          ERRSCN("Logical value expected" + shown);
           status = true;
+        }
       } else {
         ERRSCN("FATAL type fejl i parser");
         status = true;
@@ -518,8 +542,14 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
       if (!numeric(v)) {
         fail("ERROR: operand must have INTEGER or REAL type");
       } else if (minus) {
-        if (v.type == ValueInteger)
+        if (v.type == ValueInteger) {
           result.integer = wrapped(-static_cast<std::int64_t>(v.integer));
+          // The digits 2147483648 overflow alone but fit behind a minus.
+          if (v.overflow && v.integer == INT_MIN && v.real == -static_cast<double>(INT_MIN))
+            overflow = false;
+          else
+            overflow = overflow || beyondInteger(-static_cast<std::int64_t>(v.integer));
+        }
         else
           result.real = -v.real;
       }
@@ -547,7 +577,9 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
         }
       } else if (l.type == ValueInteger && r.type == ValueInteger) {
         const std::int64_t a = l.integer, b = r.integer;
-        result.integer = wrapped(rule == RuleMultiply ? a * b : (op == 1 ? a + b : a - b));
+        const std::int64_t exact = rule == RuleMultiply ? a * b : (op == 1 ? a + b : a - b);
+        result.integer = wrapped(exact);
+        overflow = overflow || beyondInteger(exact);
       } else {
         const double a = asReal(l), b = asReal(r);
         result.type = ValueReal;
@@ -588,8 +620,9 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
       } else if (x.type == ValueReal && x.real < 0.0) {
         fail("real pot in expop must >= 0");
       } else if (b.type == ValueInteger && x.type == ValueInteger) {
-        bool divideByZero = false;
-        result.integer = integerPower(b.integer, x.integer, divideByZero);
+        bool divideByZero = false, wrappedAround = false;
+        result.integer = integerPower(b.integer, x.integer, divideByZero, wrappedAround);
+        overflow = overflow || wrappedAround;
         if (divideByZero) fail("ERROR: Divisor must not be 0");
       } else {
         result.type = ValueReal;
@@ -688,6 +721,10 @@ void EXSEMA(int rule, ValueStack& stack, const Evaluation& e, bool& status) {
       result.failed = true;
       break;
   }
+  // Digits read as a real are no integer that overflowed.
+  const bool realNumber = rule == RuleDigitsReal || rule == RuleFraction || rule == RuleDecimal ||
+                          rule == RuleSignedExponent || rule == RuleExponent;
+  result.overflow = !realNumber && overflow;
   // The right side had at least one level, so the result always has room.
   stack.top = base;
   stack.levels(++stack.top) = result;
@@ -873,8 +910,13 @@ void EVALEX(std::string_view text, int wanted, int& integerResult, double& realR
   evaluation.integerResult = &integer;
   evaluation.realResult = &real;
   evaluation.logicalResult = &logical;
+  evaluation.text = text;
   Parser parser(text, valueStack(), evaluation, status);
-  if (!parser.run()) status = true;
+  if (!parser.run()) {
+    // A syntax error: told, unless an error on the way was told already.
+    if (!status) ERRSCN("Syntax error in expression ** {gre" + literal(text) + "{red **");
+    status = true;
+  }
   if (status) return;
   if (wanted == ValueInteger) integerResult = integer;
   if (wanted == ValueReal) realResult = real;

@@ -261,16 +261,12 @@ int findByName(const Table& table, std::string_view name) {
   return 0;
 }
 
-// Starts an entry, or makes an entry of that name current again so that a
-// later file can change its details. False when the table is full.
+// Starts a new entry, also when one of that name exists already (the
+// details that follow go to the new one). False when the table is full.
 template <class Table, class Entry>
 bool defineEntry(Table& table, std::string_view value) {
   const std::string name = cut(value, DeviceFieldWidth);
   if (name.empty()) return true;
-  if (const int existing = findByName(table, name); existing > 0) {
-    table.current = existing;
-    return true;
-  }
   if (table.count >= table.entry.size()) return false;
   ++table.count;
   table.entry(table.count) = Entry{};
@@ -738,6 +734,10 @@ void resetConfiguration() {
   configuration() = Configuration{};
   program().fileNameType = 1;
   program().showTime = 2;
+  // The identification defaults come from the files alone.
+  program().defaultProject.clear();
+  program().defaultCompany.clear();
+  program().defaultUser.clear();
 }
 
 TerminalTable& terminal() {
@@ -773,6 +773,9 @@ void GTPGOP(bool& status) {
     const bool terminalName = option == "-terminal" || option == "-term";
     const bool file = option == "-file";
     if (!(columns || lines || configurationFile || terminalName || file)) {
+      // Other words are skipped; one that looks like an option is named.
+      if (option.size() > 1 && option[0] == '-')
+        say(" (GTPGOP) Unknown option ** " + option + " ** ignored");
       ++i;
       continue;
     }
@@ -961,8 +964,19 @@ void IZTERM(bool& status) {
 
   if (columns > 0) t.columns = columns;
   if (lines > 0) t.lines = lines;
+  t.columnsFixed = t.columnsFixed || columns > 0;
+  t.linesFixed = t.linesFixed || lines > 0;
   program().screenColumns = t.columns;
   program().screenLines = t.lines;
+}
+
+void takeConsoleSize() {
+  ProgramState& p = program();
+  const TerminalTable& t = terminal();
+  int columns = 0, lines = 0;
+  platform::WinConF::getSize(columns, lines);
+  if (!t.columnsFixed && columns > 0) p.screenColumns = columns;
+  if (!t.linesFixed && lines > 0) p.screenLines = lines;
 }
 
 void RDTERM(std::string_view fileName, bool& status) {
@@ -998,7 +1012,11 @@ void RDTERM(std::string_view fileName, bool& status) {
         status = true;
         return;
       }
-      if (number > 0) (key.find("columns") != std::string::npos ? t.columns : t.lines) = number;
+      if (number > 0) {
+        const bool isColumns = key.find("columns") != std::string::npos;
+        (isColumns ? t.columns : t.lines) = number;
+        (isColumns ? t.columnsFixed : t.linesFixed) = true;
+      }
     } else if (key.find("punctuation-mark") != std::string::npos) {
       t.punctuation = value.empty() ? ';' : value[0];
     } else if (key.find("terminal-output") != std::string::npos) {

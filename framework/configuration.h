@@ -186,6 +186,10 @@ struct TerminalTable {
   int count = 0;
   int columns = 80;
   int lines = 24;
+  // The size was fixed by an option, the environment or a definition file;
+  // otherwise the console's own size stands in for the type's default.
+  bool columnsFixed = false;
+  bool linesFixed = false;
   char punctuation = ';';
   // Environment as read at set-up.
   std::string display;
@@ -222,6 +226,12 @@ void RDCONF(std::string_view fileName, bool& status);
 // file or the built-in families), and set the screen size of program().
 //   status: set when a size does not convert or a definition file fails.
 void IZTERM(bool& status);
+
+// The screen's size for the menus: what an option, the environment or a
+// terminal definition file fixed, else the console's own size (which stands
+// in for a built-in terminal's default). Run after IZTERM and whenever the
+// terminal window changes its size.
+void takeConsoleSize();
 
 // RDTERM: read a terminal definition file ("columns", "lines",
 // "punctuation-mark", "terminal-output") into the terminal table.

@@ -30,12 +30,14 @@ long long& failureBudget() {
 int statusOfErrno(int error) {
   switch (error) {
     case ENOSPC:
-    case EDQUOT: return IoOutOfSpace;
+    case EDQUOT:
+    case EFBIG: return IoOutOfSpace;
     case ENOENT:
     case EACCES:
     case EISDIR:
     case ENOTDIR:
-    case EROFS: return IoOpenFailed;
+    case EROFS:
+    case EPERM: return IoOpenFailed;
     default: return IoFileSystem;
   }
 }
@@ -118,17 +120,26 @@ AtomicWriter::~AtomicWriter() { abandon(); }
 
 int AtomicWriter::open(int unit, std::string_view name) {
   abandon();
-  name_ = std::string(name);
-  if (name_.empty() || directoryExists(name_)) return IoOpenFailed;
+  if (name.empty() || directoryExists(name)) return IoOpenFailed;
+  // A symbolic link is written through: the new version replaces its target
+  // and the link stays. A read-only file is refused.
+  name_ = platform::writeTarget(std::string(name));
+  if (directoryExists(name_)) return IoOpenFailed;
+  if (const int error = platform::writableFile(name_); error != 0) return statusOfErrno(error);
   temporary_ = name_ + ".part" + std::to_string(platform::processNumber());
-  file_ = std::fopen(temporary_.c_str(), "w");
+  int error = 0;
+  file_ = platform::openForWriting(temporary_, error);
   if (!file_) {
     temporary_.clear();
-    return statusOfErrno(errno);
+    return statusOfErrno(error);
   }
+  platform::noteTemporaryFile(temporary_);
   unit_ = unit;
   status_ = 0;
   connect(unit_, true);
+  // The new version keeps the permissions, owner and group of the old one.
+  if (const int copied = platform::copyFileMode(file_, name_); copied != 0)
+    status_ = statusOfErrno(copied);
   return 0;
 }
 
@@ -143,7 +154,8 @@ int AtomicWriter::write(std::string_view text) {
     }
     budget -= static_cast<long long>(text.size());
   }
-  if (std::fwrite(text.data(), 1, text.size(), file_) != text.size()) status_ = statusOfErrno(errno);
+  if (const int error = platform::writeBytes(file_, text); error != 0)
+    status_ = statusOfErrno(error);
   return status_;
 }
 
@@ -156,26 +168,29 @@ int AtomicWriter::writeLine(std::string_view text) {
 int AtomicWriter::commit() {
   if (!file_) return 914;
   int status = status_;
-  if (std::fflush(file_) != 0 && status == 0) status = statusOfErrno(errno);
-  if (status == 0 && !platform::syncFile(file_) && errno != EINVAL) status = statusOfErrno(errno);
-  if (std::fclose(file_) != 0 && status == 0) status = statusOfErrno(errno);
+  int error = 0;
+  if (status == 0 && (error = platform::flushFile(file_)) != 0) status = statusOfErrno(error);
+  if (status == 0 && (error = platform::syncFile(file_)) != 0) status = statusOfErrno(error);
+  if ((error = platform::closeFile(file_)) != 0 && status == 0) status = statusOfErrno(error);
   file_ = nullptr;
   connect(unit_, false);
-  if (status == 0 && std::rename(temporary_.c_str(), name_.c_str()) != 0)
-    status = statusOfErrno(errno);
-  if (status != 0) std::remove(temporary_.c_str());
+  if (status == 0 && (error = platform::renameFile(temporary_, name_)) != 0)
+    status = statusOfErrno(error);
+  if (status != 0) platform::removeFile(temporary_);
+  platform::noteTemporaryFile("");
   temporary_.clear();
   return status;
 }
 
 void AtomicWriter::abandon() {
   if (file_) {
-    std::fclose(file_);
+    platform::closeFile(file_);
     file_ = nullptr;
     connect(unit_, false);
   }
   if (!temporary_.empty()) {
-    std::remove(temporary_.c_str());
+    platform::removeFile(temporary_);
+    platform::noteTemporaryFile("");
     temporary_.clear();
   }
 }
@@ -201,9 +216,14 @@ int AppendWriter::writeLine(std::string_view text) {
   return 0;
 }
 
+void AppendWriter::noteForFatalSignals(std::string_view line) {
+  platform::noteFatalSignalLog(file_, line);
+}
+
 int AppendWriter::close() {
   int status = 0;
   if (file_) {
+    platform::noteFatalSignalLog(nullptr, "");
     if (std::fclose(file_) != 0) status = IoFileSystem;
     file_ = nullptr;
     connect(unit_, false);

@@ -57,7 +57,9 @@ class TextReader {
   int lineNumber_ = 0;
 };
 
-// A text file written on a unit and put in place only when complete.
+// A text file written on a unit and put in place only when complete. The new
+// version replaces the target of a symbolic link, keeps the old file's
+// permissions, owner and group, and a read-only file is refused at the open.
 class AtomicWriter {
  public:
   AtomicWriter() = default;
@@ -97,6 +99,8 @@ class AppendWriter {
   AppendWriter& operator=(const AppendWriter&) = delete;
   int open(int unit, std::string_view name);
   int writeLine(std::string_view text);
+  // The line a fatal signal writes to this file before the process dies.
+  void noteForFatalSignals(std::string_view line);
   int close();
   bool isOpen() const { return file_ != nullptr; }
 

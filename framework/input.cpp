@@ -5,7 +5,9 @@
 
 #include "framework/calculator.h"
 #include "framework/format.h"
+#include "framework/menus.h"
 #include "framework/projects.h"
+#include "framework/startup.h"
 #include "framework/state.h"
 #include "framework/system.h"
 #include "framework/text.h"
@@ -146,6 +148,7 @@ bool isField(int token) {
 
 // Puts a newly read line in place for the GT routines.
 void takeLine(std::string line) {
+  logEntry(LogMessagesAndInputs, "input", line);
   InputState& s = input();
   s.line = std::move(line);
   s.position = 1;
@@ -253,16 +256,19 @@ void RDLNPR(std::string_view line, int expected, bool disabled, Answer& answer, 
   } else {
     return malformed();
   }
+  // Blanks next to a comma belong to the comma: "0, 10" and "0 ,10" are two
+  // fields like "0,10".
   for (;;) {
     token = next();
+    const bool blankBefore = token == LineBlank;
+    if (blankBefore) token = next();
     if (!afterComma) {
       if (token == LineEnd) break;
-      if (token == LineBlank) {
-        if (!isField(next())) return malformed();
+      if (token == LineComma) {
+        afterComma = true;
+      } else if (blankBefore && isField(token)) {
         ++count;
         answer.deflt = false;
-      } else if (token == LineComma) {
-        afterComma = true;
       } else {
         return malformed();
       }
@@ -349,12 +355,15 @@ void DOSPEC(std::string_view word, bool disabled) {
     CALCUL();
   } else if (command == "LOAD") {
     runService("LOAD", true, disabled, callbacks().load);
+    noteDataReplaced();
   } else if (command == "SAVE") {
     runService("SAVE", true, disabled, callbacks().store);
   } else if (command == "RESET") {
     runService("RESET", true, disabled, callbacks().reset);
+    noteDataReplaced();
   } else if (command == "PROJECT") {
     runService("PROJECT", true, disabled, services().selectProject);
+    noteDataReplaced();
   } else if (command == "CONFIG") {
     runService("CONFIG", false, disabled, services().readConfiguration);
   } else if (command == "KILL") {
@@ -403,7 +412,14 @@ void GTITEM(int type, int maxLength, int& integer, double& real, std::string& te
     if (after == ItComma) {
       s.marker = MarkerComma;
     } else if (after == ItBlank) {
-      s.marker = MarkerBlank;
+      // A comma behind the blanks ends the field as a comma would.
+      const int blanks = s.position;
+      if (ITTOKN(s.line, s.position, f, l, ignored) == ItComma) {
+        s.marker = MarkerComma;
+      } else {
+        s.position = blanks;
+        s.marker = MarkerBlank;
+      }
     } else if (after == ItEnd) {
       s.marker = MarkerFinished;
     } else {

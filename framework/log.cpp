@@ -127,6 +127,10 @@ void OPLGFL(bool& status) {
     p.logOpen = true;
     p.logUnit = unit;
     io = logFile().writeLine(logLine("entering"));
+    const ProgramState& q = program();
+    logFile().noteForFatalSignals("host " + std::string(fmt::trimmed(q.hostName)) + " module " +
+                                  std::string(fmt::trimmed(q.SPNAME)) + " version " +
+                                  std::string(fmt::trimmed(q.SPVERS)) + " terminated by signal ");
   }
   if (io > 0) {
     warnAndWait(" (OPLGFL) I/O problems\n (I/O status is " + fmt::I(io, 4) + ")");
@@ -152,6 +156,26 @@ void CLLGFL(bool& status) {
     platform::writeStandardOutput("(CLLGFL) I/O problems\n(I/O status is " + fmt::I(io, 4) + ")\n");
     status = true;
   }
+}
+
+void logEntry(int level, std::string_view kind, std::string_view text) {
+  const ProgramState& p = program();
+  if (!p.logOpen || p.logLevel < level) return;
+  // The text without its tokens (a brace and three letters; "{{" is a brace).
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '{' && i + 1 < text.size() && text[i + 1] == '{') {
+      plain.push_back('{');
+      ++i;
+    } else if (text[i] == '{' && i + 3 < text.size() + 1) {
+      const bool newLine = text.substr(i + 1, 3) == "nwl" || text.substr(i + 1, 3) == "NWL";
+      if (newLine && !plain.empty() && plain.back() != ' ') plain.push_back(' ');
+      i += 3;
+    } else {
+      plain.push_back(text[i]);
+    }
+  }
+  logFile().writeLine(std::string(kind) + ": " + fmt::stripped(plain));
 }
 
 void PRBANR(std::string_view first, std::string_view second) {

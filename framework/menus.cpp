@@ -94,10 +94,20 @@ void PRHELP(std::string_view help) {
   WTRETN();
 }
 
+namespace {
+bool& rowsOutdated() {
+  static bool outdated = false;
+  return outdated;
+}
+}  // namespace
+
+void noteDataReplaced() { rowsOutdated() = true; }
+
 void TXMENU(std::string_view title, std::span<const std::string> items, int deflt,
             std::string_view help, bool& abort, int& selection, bool& status) {
   status = false;
   abort = false;
+  rowsOutdated() = false;
   const int columns = program().screenColumns;
   const int lines = program().screenLines;
   const int n = static_cast<int>(items.size());
@@ -184,6 +194,13 @@ void TXMENU(std::string_view title, std::span<const std::string> items, int defl
       }
     }
     if (!answer.special && !error) tickBackupClock();
+    if (answer.special && rowsOutdated()) {
+      // The command replaced the data the rows describe: the caller builds
+      // the menu anew.
+      rowsOutdated() = false;
+      selection = 0;
+      return;
+    }
     if (answer.click || answer.special || error) continue;
     if (answer.abort) {
       abort = true;

@@ -38,6 +38,11 @@ inline constexpr int MenuFrameLines = 9;
 void TXMENU(std::string_view title, std::span<const std::string> items, int deflt,
             std::string_view help, bool& abort, int& selection, bool& status);
 
+// After a special command that replaced the module's data (#LOAD, #RESET,
+// #PROJECT) TXMENU returns with selection 0 instead of showing its rows
+// again, so that the caller leaves or rebuilds an outdated menu.
+void noteDataReplaced();
+
 // ASKQST: ask `question`, showing `deflt` as the default ("(no default)"
 // when blank), and read one line of `expected` fields. Help and special
 // commands are handled inside; the values are fetched afterwards with the

@@ -308,9 +308,9 @@ void PRPHED() {
     text += "{nwl{llc" + rule + "{lrc";
     PRLINE(text);
   } else {
-    // The date in nine columns: day, month and the year's last two digits.
-    std::string date = s.date;
-    if (date.size() == DateWidth) date = date.substr(0, 7) + date.substr(9, 2);
+    // Each value in a field of its width, cut on the right: the date's
+    // first nine characters.
+    const std::string date = s.date;
     PRLINE(literal("Module: " + fmt::pad(fmt::stripped(p.SPNAME), 4) +
                    "; pjc: " + fmt::pad(project, 15) + "; date: " + fmt::pad(date, 9) +
                    "; time: " + fmt::pad(s.time, 8) + "; page: " + fmt::I(s.pageNumber, 4)));
@@ -457,7 +457,7 @@ bool openFilePrinter(int entry, bool& status) {
     if (fileExists(name)) {
       bool overwrite = false, cancelled = false;
       askYesNo("OK to overwrite file ** {gre" + literal(name) + "{yel ** ? (yes/no)", false, "no",
-               "", false, overwrite, cancelled);
+               "This will leave the file with the new listing only", false, overwrite, cancelled);
       if (!overwrite) continue;
     }
     OPPRNT(TargetFilePrinter, name, e.interface, e.linesPerPage, "", failed);

@@ -527,7 +527,8 @@ void ASKIDN(bool& status) {
       std::string deflt = trimmedCopy(*q.current);
       if (deflt.empty()) deflt = trimmedCopy(*q.fallback);
       bool abort = false, st = false;
-      ASKQST(q.text, deflt, "", 1, abort, st);
+      ASKQST(q.text, deflt, "This name is written in the head of every file and printout", 1,
+             abort, st);
       if (st) {
         status = true;
         return;
@@ -595,8 +596,8 @@ void SLPROJ(bool& status) {
       return;
     }
     bool create = false, cancelled = false;
-    askYesNo("OK to create new project ** {gre" + name + "{yel ** ? (yes/no)", false, "NO", "",
-             false, create, cancelled);
+    askYesNo("OK to create new project ** {gre" + name + "{yel ** ? (yes/no)", false, "NO",
+             "No project file of this name exists: yes creates it", false, create, cancelled);
     if (!create) continue;
     if (trimmedCopy(p.projectIdentification).empty())
       p.projectIdentification = p.defaultProjectIdentification;

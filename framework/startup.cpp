@@ -11,6 +11,7 @@
 #include "framework/text.h"
 #include "graphics/plotstate.h"
 #include "platform/console.h"
+#include "platform/system.h"
 
 namespace kntr::framework {
 
@@ -37,6 +38,9 @@ void PGINIT(bool& status) {
   IZPGRM(status);
   if (status) return;
   resetCommandLine();
+  // A save beyond the file size limit fails with a message instead of
+  // killing the program.
+  platform::ignoreFileSizeSignal();
 
   GTIPTH(p.installationPath, status);
   if (status) return;
@@ -85,10 +89,13 @@ void PGINIT(bool& status) {
 
   // The project: chosen by the user, or taken from the project file that
   // the hand-over file names. A module handed no project asks for one.
-  if (p.executionMode == ModeAlone || fmt::trimmedLength(p.projectName) == 0)
+  if (p.executionMode == ModeAlone || fmt::trimmedLength(p.projectName) == 0) {
     SLPROJ(status);
-  else
+    // Without a project the module cannot go on: the chooser's fatal error.
+    if (status) ERRSCN("Tarvik fatal error{nwl{greGetOpenFileName -> Nothing usefull");
+  } else {
     LDPJCT(status);
+  }
 }
 
 void IZPGIO(bool& status) {
@@ -99,11 +106,8 @@ void IZPGIO(bool& status) {
   p.outputDevice = DeviceConsole;
   IZTERM(status);
   if (status) return;
-  // The real terminal's size counts, unless the command line gave one.
-  int columns = 0, lines = 0;
-  WinConF::getSize(columns, lines);
-  if (!commandLine().columnsGiven && columns > 0) p.screenColumns = columns;
-  if (!commandLine().linesGiven && lines > 0) p.screenLines = lines;
+  takeConsoleSize();
+  platform::setResizeHandler(takeConsoleSize);
   p.printSpoolName = "spool.prnt";
   p.plotSpoolName = "spool.plot";
   p.backupInterval = 25;

@@ -38,6 +38,14 @@ void IZPGRM(bool& status);
 void IZPGIO(bool& status);
 void OPLGFL(bool& status);
 void CLLGFL(bool& status);
+// The log levels of the system menu: 1 entering and exiting, 2 also errors
+// and warnings, 3 also messages and inputs.
+inline constexpr int LogErrors = 2;
+inline constexpr int LogMessagesAndInputs = 3;
+// One entry of the given level ("error: ...", "message: ...", "input: ..."),
+// written when the log is open and its level reaches `level`. Formatting
+// tokens are left out.
+void logEntry(int level, std::string_view kind, std::string_view text);
 void LDPJTP(bool& status);
 void STPJTP(int mode, bool& status);
 void PRBANR(std::string_view first, std::string_view second);

@@ -71,7 +71,7 @@ int selectOne(std::string_view title, std::span<const std::string> items, int cu
 bool askOption(std::string_view question, std::string_view deflt, int& option) {
   for (;;) {
     bool abort = false, failed = false;
-    ASKQST(question, deflt, "", 1, abort, failed);
+    ASKQST(question, deflt, "Answer 1 or 2, as the question lists them", 1, abort, failed);
     if (abort || failed) return false;
     std::array<int, 1> value{1};
     bool none = false;
@@ -90,7 +90,8 @@ bool askOption(std::string_view question, std::string_view deflt, int& option) {
 bool askName(std::string_view question, std::string_view deflt, std::string& name) {
   for (;;) {
     bool abort = false, failed = false;
-    ASKQST(question, deflt, "", 1, abort, failed);
+    ASKQST(question, deflt, "The file's name, with its directory when it is not here", 1, abort,
+           failed);
     if (abort || failed) return false;
     std::array<std::string, 1> value{std::string(deflt)};
     bool none = false;
@@ -155,7 +156,9 @@ void projectMenu(bool& status) {
         SLPROJ(failed);
         break;
       case 2:
+        // The project file keeps the new identification at once.
         ASKIDN(failed);
+        if (!failed) STPJCT(failed);
         break;
       default:
         p.printLevel = selectOne("PRINTOUT LEVEL ", levels, p.printLevel,

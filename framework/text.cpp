@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "framework/format.h"
+#include "framework/startup.h"
 #include "framework/state.h"
 #include "platform/console.h"
 
@@ -178,6 +179,7 @@ void PUTSCN(std::string_view text) {
 }
 
 void ERRSCN(std::string_view text) {
+  logEntry(LogErrors, "error", text);
   if (program().outputDevice == DeviceGraphics && graphicsTextHooks().errorBox) {
     graphicsTextHooks().errorBox(text);
     return;
@@ -194,6 +196,7 @@ void fail(std::string_view text, bool& status) {
 }
 
 void PRMESG(std::string_view text) {
+  logEntry(LogMessagesAndInputs, "message", text);
   if (program().outputDevice == DeviceGraphics && graphicsTextHooks().messageBox) {
     graphicsTextHooks().messageBox(text);
     return;
@@ -301,10 +304,8 @@ void SCROLL(std::string_view text, int lastPage, int& currentPage, bool& status)
   } else {
     currentPage = std::max(1, currentPage - 1);
   }
-  // The paging question, on the last three lines of the screen: the fill
-  // stops where its two blank lines and the question keep the page in
-  // place.
-  blankLines(lines - row - 3);
+  // The paging question below a fill of blank lines to the screen's end.
+  blankLines(lines - row - 1);
   int code = 0, value = 0;
   SCRINP(code, value);
   if (code == 0) {
@@ -422,7 +423,7 @@ std::string ioStatusReason(int s) {
     case 960: reason = "Format error: Missing starting left parenthesis)"; break;
     case 961: reason = "Format error: Invalid format descriptor)"; break;
     case 962:
-      reason = "Unexpected character found following a number in the{nwl}format string)";
+      reason = "Unexpected character found following a number in the{nwlformat string)";
       break;
     case 963: reason = "Format error: Trying to scale unscalable format  specifier)"; break;
     case 964: reason = "Format error: Parenthesis too deeply nested)"; break;

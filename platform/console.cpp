@@ -11,9 +11,20 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/system.h"
+
 namespace kntr::platform {
 
 namespace {
+
+// Most bytes of screen output kept for the redraw after a suspension.
+constexpr std::size_t MaxScreenReplay = 65536;
+
+// Set by the signal handlers, acted on where the console reads its input.
+volatile std::sig_atomic_t resumedFlag = 0;
+volatile std::sig_atomic_t resizedFlag = 0;
+
+void afterInterruption();
 
 // ---------------------------------------------------------------------------
 // Byte sources. Both the terminal and the memory console hand out one byte at
@@ -28,9 +39,14 @@ struct DescriptorSource : ByteSource {
   int next() override {
     unsigned char byte = 0;
     for (;;) {
+      // A signal that came while no read was waiting is acted on now.
+      if (resumedFlag || resizedFlag) afterInterruption();
       ssize_t n = ::read(STDIN_FILENO, &byte, 1);
       if (n == 1) return byte;
-      if (n < 0 && errno == EINTR) continue;
+      if (n < 0 && errno == EINTR) {
+        afterInterruption();
+        continue;
+      }
       return -1;
     }
   }
@@ -107,6 +123,10 @@ struct Console {
   bool rawMode = false;
   termios saved{};
   bool savedValid = false;
+  termios raw{};
+  bool mouseOn = false;         // mouse reports asked for while a line is read
+  std::string screenSoFar;      // what was written since the screen was last cleared
+  ResizeHandler resize = nullptr;
   int foreground = 8;
   int background = 1;
   int columns = 80;
@@ -135,6 +155,15 @@ void rawWrite(std::string_view text) {
   if (c.memory) {
     c.screen.put(text);
     return;
+  }
+  // The screen since it was last cleared is kept, to be drawn again after
+  // a suspension.
+  if (c.inputTerminal && c.outputTerminal) {
+    const std::size_t clear = text.rfind("\x1b[2J");
+    if (clear != std::string_view::npos) c.screenSoFar.assign(text.substr(clear));
+    else c.screenSoFar.append(text);
+    if (c.screenSoFar.size() > MaxScreenReplay)
+      c.screenSoFar.erase(0, c.screenSoFar.size() - MaxScreenReplay);
   }
   const char* p = text.data();
   std::size_t left = text.size();
@@ -192,7 +221,8 @@ void enterRawMode() {
     if (::tcgetattr(STDIN_FILENO, &c.saved) != 0) return;
     c.savedValid = true;
   }
-  termios raw = c.saved;
+  termios& raw = c.raw;
+  raw = c.saved;
   raw.c_lflag &= static_cast<tcflag_t>(~(ICANON | ECHO));
   raw.c_iflag &= static_cast<tcflag_t>(~(ICRNL | IXON));
   raw.c_cc[VMIN] = 1;
@@ -200,23 +230,62 @@ void enterRawMode() {
   if (::tcsetattr(STDIN_FILENO, TCSANOW, &raw) == 0) c.rawMode = true;
 }
 
+const char terminalReset[] = "\x1b[?1000l\x1b[?1006l\x1b[?25h\x1b[0m";
+
 // Gives the terminal back: line mode, no mouse reports, cursor shown,
-// colours reset.
-void atExit() {
-  restoreTerminal();
+// colours reset. Only async-signal-safe calls, for the signal handlers; the
+// raw-mode flag stays, so that a resumed process knows to take it again.
+void releaseTerminal() {
   Console& c = con();
+  if (c.rawMode && c.savedValid) ::tcsetattr(STDIN_FILENO, TCSANOW, &c.saved);
   if (c.outputTerminal && !c.memory) {
-    const char reset[] = "\x1b[?1000l\x1b[?1006l\x1b[?25h\x1b[0m";
-    ssize_t ignored = ::write(STDOUT_FILENO, reset, sizeof reset - 1);
+    ssize_t ignored = ::write(STDOUT_FILENO, terminalReset, sizeof terminalReset - 1);
     (void)ignored;
   }
 }
 
-void onSignal(int signal) {
-  atExit();
+void atExit() {
+  releaseTerminal();
+  con().rawMode = false;
+}
+
+// A signal that ends the process: the terminal back, the temporary file of
+// a save removed, a line to the log, then the signal's own action.
+void onFatalSignal(int signal) {
+  releaseTerminal();
+  releaseOnFatalSignal(signal);
   std::signal(signal, SIG_DFL);
   std::raise(signal);
 }
+
+void catchSignal(int signal, void (*handler)(int), bool restart) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  sigemptyset(&action.sa_mask);
+  action.sa_flags = restart ? SA_RESTART : 0;
+  ::sigaction(signal, &action, nullptr);
+}
+
+void onContinue(int) { resumedFlag = 1; }
+
+// Suspension: the terminal back as the shell expects it, then stop; on
+// resumption the reading loop takes it again and repeats the question.
+void onSuspend(int signal) {
+  const int savedErrno = errno;
+  releaseTerminal();
+  std::signal(signal, SIG_DFL);
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, signal);
+  ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
+  std::raise(signal);
+  // continued here
+  catchSignal(signal, onSuspend, false);
+  resumedFlag = 1;
+  errno = savedErrno;
+}
+
+void onResize(int) { resizedFlag = 1; }
 
 void querySize(int& columns, int& lines) {
   Console& c = con();
@@ -330,15 +399,38 @@ bool readEscape(int& button, int& column, int& row) {
   if (std::sscanf(body.c_str() + 1, "%d;%d;%d", &code, &x, &y) != 3) return false;
   if (code & 32) return false;   // motion
   if (code & 64) return false;   // wheel
+  // A terminal does not say how many buttons the mouse has: the variable
+  // KNTR_MOUSE_BUTTONS does (2 or 3, default 3).
+  int buttons = 3;
+  if (const char* env = std::getenv("KNTR_MOUSE_BUTTONS"); env && std::atoi(env) == 2) buttons = 2;
   switch (code & 3) {
-    case 0: button = 1; break;  // left
-    case 1: button = 2; break;  // middle
-    case 2: button = 3; break;  // right: the number of buttons of a three-button mouse
+    case 0: button = 1; break;        // left
+    case 1: button = 2; break;        // middle
+    case 2: button = buttons; break;  // right: the number of buttons
     default: return false;
   }
   column = x;
   row = y;
   return true;
+}
+
+// A read was interrupted by a signal: after a suspension take the terminal
+// again and draw the screen anew since its last clearing (the question and
+// what was typed); after a change of the window's size tell the framework.
+void afterInterruption() {
+  Console& c = con();
+  if (resumedFlag) {
+    resumedFlag = 0;
+    if (c.rawMode) ::tcsetattr(STDIN_FILENO, TCSANOW, &c.raw);
+    const std::string again = c.screenSoFar;
+    if (c.mouseOn) escape("\x1b[?1000h\x1b[?1006h");
+    escape("\x1b[?25h");
+    rawWrite(again);
+  }
+  if (resizedFlag) {
+    resizedFlag = 0;
+    if (c.resize) c.resize();
+  }
 }
 
 }  // namespace
@@ -354,11 +446,18 @@ void initialize() {
     c.outputTerminal = ::isatty(STDOUT_FILENO) == 1;
     const char* noColor = std::getenv("NO_COLOR");
     c.colours = c.outputTerminal && !(noColor && *noColor);
-    if (!c.initialized && (c.inputTerminal || c.outputTerminal)) {
+    if (!c.initialized) {
+      // Also a scripted run removes the temporary file of a save and logs
+      // its end when a signal stops it.
       std::atexit(atExit);
-      std::signal(SIGINT, onSignal);
-      std::signal(SIGTERM, onSignal);
-      std::signal(SIGHUP, onSignal);
+      for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGSEGV, SIGABRT, SIGBUS, SIGFPE,
+                         SIGILL})
+        catchSignal(signal, onFatalSignal, true);
+      if (c.inputTerminal) {
+        catchSignal(SIGTSTP, onSuspend, false);
+        catchSignal(SIGCONT, onContinue, false);
+      }
+      catchSignal(SIGWINCH, onResize, false);
     }
   }
   c.initialized = true;
@@ -446,6 +545,7 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
   enterRawMode();
   const bool echo = c.rawMode;
   if (echo) escape("\x1b[?1000h\x1b[?1006h");
+  c.mouseOn = echo;
   button = 0;
   column = 0;
   row = 0;
@@ -493,6 +593,7 @@ void getStrMouse(int& button, int& column, int& row, int& length, std::string& b
     }
   }
   if (echo) escape("\x1b[?1000l\x1b[?1006l");
+  c.mouseOn = false;
   cursorVisible(false);
   length = static_cast<int>(buffer.size());
 }
@@ -537,6 +638,8 @@ void getPosition(int& column, int& row) {
 }  // namespace WinConF
 
 void setEndOfInputHandler(EndOfInputHandler handler) { con().endOfInput = handler; }
+
+void setResizeHandler(ResizeHandler handler) { con().resize = handler; }
 
 void lendTerminal(bool toChild) {
   Console& c = con();

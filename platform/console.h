@@ -63,6 +63,11 @@ void getPosition(int& column, int& row);
 using EndOfInputHandler = void (*)();
 void setEndOfInputHandler(EndOfInputHandler handler);
 
+// What happens when the terminal window changes its size: called from the
+// reading loop (not from the signal handler) while a line is awaited.
+using ResizeHandler = void (*)();
+void setResizeHandler(ResizeHandler handler);
+
 // Hands the terminal to a child process as the user's shell expects it
 // (true), and takes it back for key-by-key reading (false).
 void lendTerminal(bool toChild);

@@ -85,7 +85,8 @@ void INREFP(bool& status) {
   status = false;
   ProfileData& p = profile();
   std::array<double, 2> values{p.PRREFP(1), p.PRREFP(2)};
-  if (!askTwoReals("Input reference point coordinates (XY) [m]", "", "", values)) return;
+  if (!askTwoReals("Input reference point coordinates (XY) [m]", "",
+                   "The point the profile is translated and rotated about", values)) return;
   p.PRREFP(1) = values[0];
   p.PRREFP(2) = values[1];
 }
@@ -108,7 +109,7 @@ void KYPRCV(bool& status) {
     int selection = 1;
     bool failed = false;
     framework::TXMENU("PROFILE TYPE", rows, 1, "Select profile type", abort, selection, failed);
-    if (abort || failed || selection == 3) {
+    if (abort || failed || selection < 1 || selection == 3) {
       p.NPRCRV = 0;
       return;
     }
@@ -142,8 +143,8 @@ void INPRPN(int c, bool& status) {
     // The next point, or DONE.
     bool abort = false;
     bool failed = false;
-    framework::ASKQST("Input profile curve point coordinates (XY) [m]", "DONE", "", 2, abort,
-                      failed);
+    framework::ASKQST("Input profile curve point coordinates (XY) [m]", "DONE",
+                      "X and Y of the next point; RETURN ends the curve...", 2, abort, failed);
     if (abort) return throwAway();
     if (failed) continue;
     std::array<double, 2> xy{0.0, 0.0};
@@ -180,7 +181,9 @@ void INPRPN(int c, bool& status) {
     bool knuckle = true;
     if (p.PRFTYP == SplineProfile) {
       for (;;) {
-        framework::ASKQST("Input point type: 1 = CC, 2 = Knuckle", "1 (CC)", "", 1, abort, failed);
+        framework::ASKQST("Input point type: 1 = CC, 2 = Knuckle", "1 (CC)",
+                          "CC keeps the curvature continuous, a knuckle makes a corner", 1,
+                          abort, failed);
         if (abort) return throwAway();
         if (failed) continue;
         std::array<int, 1> answer{1};

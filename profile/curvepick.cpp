@@ -54,6 +54,10 @@ double legDistance(const Triple& p, const Bezier& polygon) {
 
 }  // namespace
 
+// Most curve points the midpoint polyline may hold: three per segment,
+// ends shared, so a curve of up to 50 segments.
+constexpr int MidpointPolylineLimit = 100;
+
 void MKPSMP(int curve, int& count, View1<XY> midpoints, bool& failed) {
   failed = false;
   count = 0;
@@ -84,7 +88,7 @@ void MKPSMP(int curve, int& count, View1<XY> midpoints, bool& failed) {
   static Array1<Triple, 2 * MaxCurvePoints> points;
   static Array1<int, MaxCurvePoints> index;
   int total = 0;
-  spline::HCPIP3(2 * MaxCurvePoints, 3, planeOrigin, planeNormal, spline::SideNone, tolerance, rec,
+  spline::HCPIP3(MidpointPolylineLimit, 3, planeOrigin, planeNormal, spline::SideNone, tolerance, rec,
                  total, View1<Triple>(points), View1<int>(index), failed);
   if (failed) return;
   for (int k = 2; k <= total; k += 2) midpoints(++count) = XY{points(k)(1), points(k)(2)};

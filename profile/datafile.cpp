@@ -190,6 +190,31 @@ bool logicalItem(const std::string& item, bool& value) {
   return true;
 }
 
+// How strictly files are read, and what the last strict refusal said.
+struct ReadChecks {
+  bool strict = false;
+  std::string problem;
+  std::string outOfRange;  // the item that was beyond AbsurdMagnitude
+};
+
+ReadChecks& readChecks() {
+  static ReadChecks checks;
+  return checks;
+}
+
+// A message without its formatting tokens (a brace and three letters).
+std::string plainText(const std::string& text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '{' && i + 3 < text.size() && std::isalpha(static_cast<unsigned char>(text[i + 1]))) {
+      i += 3;
+      continue;
+    }
+    plain.push_back(text[i]);
+  }
+  return plain;
+}
+
 // One variable of a record.
 struct Field {
   int* integer = nullptr;
@@ -213,6 +238,10 @@ bool readRecord(RecordReader& in, std::initializer_list<Field> fields) {
                       : f.real  ? realItem(item, *f.real)
                                 : logicalItem(item, *f.logical);
     if (!good) return false;
+    if (f.real && readChecks().strict && std::fabs(*f.real) > AbsurdMagnitude) {
+      readChecks().outOfRange = item;
+      return false;
+    }
   }
   return true;
 }
@@ -352,7 +381,19 @@ void PTKNTR(std::string_view name, bool quiet, bool& status) {
 void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   status = false;
   loaded = false;
+  ReadChecks& checks = readChecks();
+  checks.problem.clear();
   const std::string file(name);
+  // A refusal: on the error line, or kept as one plain line when the
+  // caller reads strictly and reports for itself.
+  auto refuse = [&](const std::string& text) {
+    if (checks.strict) {
+      checks.problem = plainText(text);
+      status = true;
+    } else {
+      fw::fail(text, status);
+    }
+  };
   int unit = 0;
   bool st = false;
   fw::IQFUNT(unit, st);
@@ -362,12 +403,14 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   }
   fw::program().workFileName = file;
   if (!fw::fileExists(file)) {
+    if (checks.strict) return refuse("\"" + file + "\" is non-existent!");
     if (!quiet) fw::ERRSCN("\"{GRE" + file + "{RED\" is non-existent!");
     return;
   }
   fw::TextReader in;
   const int io = in.open(unit, file);
   if (io != 0) {
+    if (checks.strict) return refuse("\"" + file + "\" could not be opened");
     fw::IOERRM('O', file, io);
     status = true;
     return;
@@ -376,34 +419,53 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
 
   fw::FileHeader header;
   fw::GTFLHD(in, file, header, status);
-  if (status) return;
+  if (status) {
+    if (checks.strict) refuse("The file header of \"" + file + "\" is incomplete or unreadable");
+    return;
+  }
+  if (checks.strict && header.program != ModuleName)
+    return refuse("\"" + file + "\" is not a KNTR file (its header names " + header.program + ")");
   if (header.version < DataFileVersion) {
-    fw::fail("The version of \"{GRE" + file + "{RED\" is obsolete!", status);
+    refuse("The version of \"{GRE" + file + "{RED\" is obsolete!");
     return;
   }
   if (header.version > DataFileVersion) {
-    fw::fail("The version of \"{GRE" + file + "{RED\" is unsupported!", status);
+    refuse("The version of \"{GRE" + file + "{RED\" is unsupported!");
     return;
   }
 
   // The counter follows the records read; a point counts for two lines,
   // with or without its extra record, and a curve record counts for none.
   int line = fw::HeaderLines;
+  checks.outOfRange.clear();
   auto formatError = [&] {
-    fw::fail("Incorrect file format detected at line " + fmt::I(line, 6) + " read from " + file, status);
+    if (!checks.outOfRange.empty())
+      refuse("Value " + checks.outOfRange + " out of range at line " + std::to_string(line + 1) +
+             " read from " + file);
+    else
+      refuse("Incorrect file format detected at line " + fmt::I(line, 6) + " read from " + file);
+  };
+  auto strictError = [&](const std::string& what) {
+    refuse(what + " at line " + std::to_string(line) + " read from " + file);
   };
 
-  ProfileData& p = profile();
+  // The file is read into a copy of the block; only a complete file
+  // replaces the profile, so a failed load leaves it as it was.
+  static ProfileData scratch;
+  scratch = profile();
+  ProfileData& p = scratch;
   RecordReader records(in);
   int kind = p.PRFTYP, curves = p.NPRCRV;
   double accuracy = p.SPLACC;
   if (!readRecord(records, {kind, accuracy, curves})) return formatError();
   ++line;
   if (curves >= MaxCurves + 1) {
-    fw::fail("Max number of profile curves exceeded!", status);
+    refuse("Max number of profile curves exceeded!");
     return;
   }
   if (curves < 0) return formatError();
+  if (checks.strict && kind != PolylineProfile && kind != SplineProfile)
+    return strictError("Profile type " + std::to_string(kind) + " is neither 0 nor 1");
   p.PRFTYP = kind;
   p.SPLACC = accuracy;
   p.NPRCRV = curves;
@@ -411,6 +473,8 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   if (!readRecord(records, {p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4)}))
     return formatError();
   ++line;
+  if (checks.strict && (p.PRBBOX(1) > p.PRBBOX(2) || p.PRBBOX(3) > p.PRBBOX(4)))
+    return strictError("The bounding box is inverted (min above max)");
   if (!readRecord(records, {p.PRREFP(1), p.PRREFP(2)})) return formatError();
   ++line;
 
@@ -419,10 +483,15 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
     bool closed = p.PRCLSD(c);
     if (!readRecord(records, {points, closed, parameterization})) return formatError();
     if (points > MaxCurvePoints) {
-      fw::fail("Max number of profile curve points exceeded!", status);
+      refuse("Max number of profile curve points exceeded!");
       return;
     }
     if (points < 0) return formatError();
+    if (checks.strict && (parameterization < Uniform || parameterization > Foley))
+      return strictError("Curve " + std::to_string(c) + " has parameterization " +
+                         std::to_string(parameterization) + ", not 1 to 5");
+    if (checks.strict && closed && points < 2)
+      return strictError("Curve " + std::to_string(c) + " is closed with fewer than 2 points");
     p.NPRPNT(c) = points;
     p.PRCLSD(c) = closed;
     p.PRPARM(c) = parameterization;
@@ -462,9 +531,17 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
       if (!good) return formatError();
     }
   }
+  if (checks.strict) {
+    std::string rest;
+    while (in.readLine(rest) == 0)
+      if (fmt::trimmedLength(rest) > 0)
+        return refuse("Data after the last record at line " + std::to_string(in.lineNumber()) +
+                      " read from " + file);
+  }
 
   p.BBOXOK = true;
   p.CURCRV = 1;
+  profile() = scratch;
   loaded = true;
   const int closing = in.close();
   if (closing != 0) {
@@ -472,6 +549,10 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
     status = true;
   }
 }
+
+void setStrictReading(bool strict) { readChecks().strict = strict; }
+
+const std::string& readProblem() { return readChecks().problem; }
 
 void LDKNTF(std::string_view name, bool quiet, bool print, bool& loaded, bool& status) {
   GTKNTR(name, quiet, loaded, status);
@@ -492,11 +573,18 @@ void LDKNTR(bool& status) {
       return;
     }
   }
+  // The file is read over a reset block, but a failed read puts the block
+  // back as it was before, modification flag included.
+  static ProfileData before;
+  before = p;
   RSKNTR(status);
   if (status) return;
   std::string name;
   fw::IQISFN(ModuleName, name, status);
-  if (status) return;
+  if (status) {
+    p = before;
+    return;
+  }
   bool loaded = false;
   GTKNTR(name, false, loaded, status);
   if (!status && loaded) {
@@ -506,9 +594,9 @@ void LDKNTR(bool& status) {
     }
     return;
   }
-  bool st = false;
-  RSKNTR(st);
-  fw::ERRSCN("Loading of KNTR data failed - data structure initialized!");
+  p = before;
+  fw::ERRSCN("Loading of KNTR data failed - current data kept!");
+  if (!status) status = true;
 }
 
 void STKNTR(bool& status) {
@@ -588,8 +676,8 @@ void FLKNTR(bool& status) {
         bool cancelled = false;
         for (;;) {
           bool abortName = false, failed = false;
-          fw::ASKQST("Input name (full) for KNTR file (max 80 char)", current, "", 1, abortName,
-                     failed);
+          fw::ASKQST("Input name (full) for KNTR file (max 80 char)", current,
+                     "The profile data are stored in this file", 1, abortName, failed);
           if (abortName || failed) {
             cancelled = true;
             break;
@@ -618,10 +706,11 @@ void FLKNTR(bool& status) {
         std::string name;
         fw::IQISFN(selection == 4 ? "TEMP" : "BCKP", name, st);
         if (st) break;
+        // A missing or broken file changes nothing, the flag included.
         bool loaded = false;
         GTKNTR(name, false, loaded, st);
-        if (st) break;
-        if (loaded) printLoaded();
+        if (st || !loaded) break;
+        printLoaded();
         p.MODFLG = false;
         break;
       }

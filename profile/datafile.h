@@ -21,12 +21,15 @@
 //   IZKNTF  hand the file routines to the framework (callbacks, file reader)
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace kntr::profile {
 
 // The data version this module writes and reads.
 inline constexpr int DataFileVersion = 3;
+// Largest magnitude a strict reading takes for a real value.
+inline constexpr double AbsurdMagnitude = 1.0e12;
 // Longest file name the "Save as" question takes.
 inline constexpr int SaveAsNameLength = 80;
 
@@ -39,6 +42,14 @@ void PTKNTR(std::string_view name, bool quiet, bool& status);
 // suppresses its message); `loaded` comes true only when the whole file was
 // read.
 void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status);
+
+// Strict reading (for batch tools): GTKNTR also refuses a profile type
+// other than 0 or 1, a parameterization outside 1 to 5, an inverted box, a
+// closed curve of fewer than 2 points, another program's header, data after
+// the last record and values beyond AbsurdMagnitude, and instead of showing
+// its refusals it keeps them as one plain line for readProblem.
+void setStrictReading(bool strict);
+const std::string& readProblem();
 
 // LDKNTF: GTKNTR, then, when `print` is true and the module runs
 // interactively, the file information and the profile outline.

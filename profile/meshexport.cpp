@@ -55,13 +55,14 @@ bool askFileName(std::string_view question, std::string& name) {
     bool abort = false, failed = false;
     if (graphic) {
       bool picked = false;
-      framework::graphicDialogues().GQUEST(question, "", "", 1, picked, abort, failed);
+      framework::graphicDialogues().GQUEST(question, "", "The mesh is written to this file", 1,
+                                           picked, abort, failed);
       if (picked) {
         framework::ERRSCN("Only keyboard input is allowed!");
         continue;
       }
     } else {
-      framework::ASKQST(question, "", "", 1, abort, failed);
+      framework::ASKQST(question, "", "The mesh is written to this file", 1, abort, failed);
     }
     if (abort) return false;
     if (failed) continue;

@@ -12,6 +12,7 @@
 #include "framework/sysmenu.h"
 #include "framework/text.h"
 #include "graphics/plotstate.h"
+#include "platform/console.h"
 #include "profile/block.h"
 #include "profile/curveinput.h"
 #include "profile/datafile.h"
@@ -109,7 +110,14 @@ int KNTRMN() {
 
   bool status = false;
   framework::PGINIT(status);
-  if (status) return 1;
+  if (status) {
+    // The start-up failed after telling why: the log gets its exit line and
+    // the terminal is given back.
+    bool ignored = false;
+    framework::CLLGFL(ignored);
+    platform::WinConF::terminate();
+    return 1;
+  }
   RSKNTR(status);
   if (status) return 1;
 
@@ -153,6 +161,7 @@ void MNKNTR(bool& status) {
     bool failed = false;
     int selection = MainMenuRows;
     framework::TXMENU("MANIPULATE KNTR DATA", rows, MainMenuRows, " ", abort, selection, failed);
+    if (!abort && !failed && selection == 0) continue;  // the data were replaced: new rows
     if (abort || failed || selection == ExitRow) {
       bool leave = false;
       framework::OKEXIT(p.MODFLG, leave);
@@ -206,7 +215,8 @@ void MNKNTR(bool& status) {
           status = true;
           return;
         }
-        if (cancelled) break;
+        // A cancelled question is no failure: the box counts as given.
+        (void)cancelled;
         if (!p.BBOXOK) {
           p.BBOXOK = true;
           IZACCY();

@@ -122,6 +122,8 @@ void HCFOP3(int pointIndex, int maxIterations, bool local, double restraint, dou
   const bool indexValid = pointIndex >= 1 && pointIndex <= n && n <= MaxOffsetPoints;
   if (indexValid) fairedPoint = rec.OFFPNT(pointIndex);
   if (n <= 2) return;
+  // Index 0 passes the check and names no point: nothing to fair.
+  if (pointIndex == 0 && n <= MaxOffsetPoints) return;
   if (!indexValid) {
     fail(n > MaxOffsetPoints ? "(HCFOP3) Max number of offset points exceeded!"
                              : "(HCFOP3) Illegal fair offset point index!",

@@ -73,7 +73,8 @@ void MKIKV3(int parameterization, SplineRecord& rec, bool& failed) {
     code = ParamChordLength;
   }
   if (code == ParamCurveLength) {
-    ERRSCN("(MKIKV3) Curve length parameterization is impossible - uses chorde length instead!");
+    // A note, not an error: the curve is made all the same.
+    framework::PRMESG("(MKIKV3) Curve length parameterization is impossible - uses chorde length instead!");
     code = ParamChordLength;
   }
   const bool closed = rec.CLOSED;

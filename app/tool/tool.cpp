@@ -13,6 +13,7 @@
 
 #include "framework/state.h"
 #include "platform/console.h"
+#include "platform/system.h"
 #include "profile/block.h"
 #include "profile/datafile.h"
 #include "profile/module.h"
@@ -58,9 +59,17 @@ const char* const usageText =
 bool loadProfile(const std::string& name) {
   bool loaded = false;
   bool status = false;
+  // Batch commands read strictly, and a refusal is one line of its own.
+  profile::setStrictReading(true);
   profile::GTKNTR(name, false, loaded, status);
+  profile::setStrictReading(false);
   if (status || !loaded) {
-    flushTranscript();
+    if (profile::readProblem().empty()) {
+      flushTranscript();
+    } else {
+      platform::testconsole::takeOutput();
+      writeTo(stderr, "kntr-tool: " + profile::readProblem() + "\n");
+    }
     return false;
   }
   platform::testconsole::takeOutput();
@@ -118,6 +127,7 @@ int main(int argc, char** argv) {
   program.packageVersion = "2016A";
   // No person waits at a prompt: errors go on at once.
   program.executionMode = framework::ModeBatch;
+  platform::ignoreFileSizeSignal();
   platform::testconsole::attach("", 80, 24);
   platform::setEndOfInputHandler([] {
     tool::fail("Terminating program due to EOF on input");

@@ -38,8 +38,8 @@ class Calculator : public kntr::testing::DialogueTest {
 TEST_F(Calculator, IntegerAnswers) {
   // The sign belongs to the whole term: -(2**2). div and mod yield their left
   // operand. Power groups to the right; an integer power of an integer is
-  // truncated. DV is the integer default (11) as a real. Integer arithmetic
-  // wraps, and a real beyond the integer range saturates.
+  // truncated. DV is the integer default (11) as a real. A real beyond the
+  // integer range saturates; the lowest integer may be typed.
   const struct {
     const char* text;
     int value;
@@ -50,9 +50,8 @@ TEST_F(Calculator, IntegerAnswers) {
       {"round(-2.5)", -3},  {"int(-3.7)", -3},     {"2**3", 8},
       {"2**3**2", 512},     {"2**(-1)", 0},        {"(-1)**(-3)", -1},
       {"1**(-5)", 1},       {"3**0", 1},           {"007", 7},
-      {"int(DV*2.0)", 22},  {"round sqrt(16)", 4}, {"2147483647+1", INT_MIN},
-      {"65536*65536", 0},   {"2**31", INT_MIN},    {"-2147483648", INT_MIN},
-      {"int1e20", INT_MAX},
+      {"int(DV*2.0)", 22},  {"round sqrt(16)", 4}, {"-2147483648", INT_MIN},
+      {"int1e20", INT_MAX}, {"-2147483647-1", INT_MIN},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -130,9 +129,8 @@ TEST_F(Calculator, LogicalAnswers) {
 
 TEST_F(Calculator, ErrorsAndTheirMessages) {
   // A quotient, a real power, DV and a relation are no integers; syntax
-  // errors and too deep a nesting say nothing; each error says one message
-  // and leads to no follow-on errors.
-  const std::string deep = std::string(400, '(') + "1" + std::string(400, ')');
+  // errors, too deep a nesting and integer overflow are told with the text;
+  // each error says one message and leads to no follow-on errors.
   const std::string operand = "left operand must bee INTEGER or REAL";
   const std::string power = "real pot in expop must >= 0";
   const std::string zero = "ERROR: Divisor must not be 0";
@@ -143,18 +141,24 @@ TEST_F(Calculator, ErrorsAndTheirMessages) {
     std::string message;  // "" for a refusal without a word
     int count;            // times the message is shown
   } cases[] = {
-      {"7/2", ValueInteger, "", 0},
-      {"2**0.5", ValueInteger, "", 0},
-      {"DV+1", ValueInteger, "", 0},
-      {"1=1", ValueInteger, "", 0},
-      {"1", ValueLogical, "", 0},
-      {"2+", ValueReal, "", 0},
-      {"(1", ValueReal, "", 0},
-      {"5.", ValueReal, "", 0},
-      {"1e", ValueReal, "", 0},
-      {"", ValueReal, "", 0},
-      {"2*-3", ValueInteger, "", 0},
-      {deep, ValueInteger, "", 0},
+      {"7/2", ValueInteger, "Integer value expected ** 7/2 **", 1},
+      {"2.5", ValueInteger, "Integer value expected ** 2.5 **", 1},
+      {"2**0.5", ValueInteger, "Integer value expected ** 2**0.5 **", 1},
+      {"DV+1", ValueInteger, "Integer value expected ** DV+1 **", 1},
+      {"1=1", ValueInteger, "Numeric value expected ** 1=1 **", 1},
+      {"1<2", ValueInteger, "Numeric value expected ** 1<2 **", 1},
+      {"1", ValueLogical, "Logical value expected ** 1 **", 1},
+      {"2+", ValueReal, "Syntax error in expression ** 2+ **", 1},
+      {"1+", ValueInteger, "Syntax error in expression ** 1+ **", 1},
+      {"(1", ValueReal, "Syntax error in expression ** (1 **", 1},
+      {"5.", ValueReal, "Syntax error in expression ** 5. **", 1},
+      {"1e", ValueReal, "Syntax error in expression ** 1e **", 1},
+      {"2*-3", ValueInteger, "Syntax error in expression ** 2*-3 **", 1},
+      {"2147483647+1", ValueInteger, "Integer out of range ** 2147483647+1 **", 1},
+      {"65536*65536", ValueInteger, "Integer out of range ** 65536*65536 **", 1},
+      {"2**31", ValueInteger, "Integer out of range ** 2**31 **", 1},
+      {"99999999999", ValueInteger, "Integer out of range ** 99999999999 **", 1},
+      {"3000000000*1.0", ValueReal, "Integer out of range ** 3000000000*1.0 **", 1},
       {"1/0", ValueReal, zero, 1},
       {"1/0.0", ValueReal, zero, 1},
       {"0**(-1)", ValueInteger, zero, 1},
@@ -198,6 +202,13 @@ TEST_F(Calculator, ErrorsAndTheirMessages) {
       EXPECT_EQ(shown, "");
     }
   }
+}
+
+TEST_F(Calculator, TooDeepANestingIsASyntaxError) {
+  const std::string deep = std::string(400, '(') + "1" + std::string(400, ')');
+  EXPECT_TRUE(eval(deep, ValueInteger, true));
+  EXPECT_EQ(integer, 11);
+  EXPECT_TRUE(Contains(output(), "Syntax error in expression ** (((("));
 }
 
 TEST_F(Calculator, DialogueShowsValuesUntilAnEmptyAnswerOrAnAbort) {

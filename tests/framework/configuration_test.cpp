@@ -91,7 +91,8 @@ TEST_F(Configure, CommandLineOptionsTakeTheNextArgument) {
   EXPECT_EQ(o.configuration, "site.rc");
   EXPECT_EQ(o.file, "profile.knt");
   EXPECT_EQ(o.fileLength, 5);  // the terminal name's length, kept as it always was
-  EXPECT_EQ(output(), "");
+  // A word that looks like an option is named; other words pass in silence.
+  EXPECT_EQ(output(), " (GTPGOP) Unknown option ** -Lines ** ignored\n");
 
   // A size that is no number stops the scan.
   resetCommandLine();
@@ -202,14 +203,17 @@ TEST_F(Configure, DeletingKeepsTheDefaultOnItsEntry) {
 TEST_F(Configure, SiteThenUserAndTheLaterWins) {
   siteFile("show-time=4\ndefine-printer=site\nprinter-lines=50\ndefault-user=anna\n");
   userFile("show-time=0\ndefine-printer=site\nprinter-lines=70\ndefine-printer=mine\n");
+  program().defaultCompany = "from an earlier reading";
   EXPECT_STATUS(false, CFSETP(status));
   const Configuration& c = configuration();
   ASSERT_EQ(c.fileCount, 2);
   EXPECT_EQ(c.files(1), path("site/Tarvik-2016A.rc"));
   EXPECT_EQ(c.files(2), path("home/T-cnfg/Tarvik-2016A.ini"));
   EXPECT_EQ(program().showTime, 0);
-  EXPECT_EQ(printers(), "site  70; mine  66");
+  // A name defined again starts an entry of its own.
+  EXPECT_EQ(printers(), "site  50; site  70; mine  66");
   EXPECT_EQ(program().defaultUser, "anna");
+  EXPECT_EQ(program().defaultCompany, "");
   EXPECT_EQ(output(), "");
 }
 
@@ -373,6 +377,26 @@ TEST_F(Configure, DefinitionFileWithItsOwnPunctuationMark) {
   type("\n");
   EXPECT_STATUS(true, RDTERM(write("bad.TERM", "terminal-output=LONG;a;b\n"), status));
   EXPECT_TRUE(Contains(output(), "INTERNAL"));
+}
+
+// The screen's size for the menus: what an option, the environment or a
+// definition file fixes holds against the console's own size, which stands
+// in for a built-in terminal's default.
+TEST_F(Configure, ScreenSizeOfOptionsAndDefinitionsHoldsAgainstTheConsole) {
+  write("terms/long.TERM", "lines=40\n");
+  configuration().primaryTerminalDirectory = path("terms");
+  resize(132, 50);  // the console
+  ::setenv("TERM", "xterm", 1);
+  EXPECT_STATUS(false, IZTERM(status));
+  takeConsoleSize();
+  EXPECT_EQ(program().screenColumns, 132);
+  EXPECT_EQ(program().screenLines, 50);
+  ::setenv("TERM", "long", 1);
+  ::setenv("COLUMNS", "90", 1);
+  EXPECT_STATUS(false, IZTERM(status));
+  takeConsoleSize();
+  EXPECT_EQ(program().screenColumns, 90);
+  EXPECT_EQ(program().screenLines, 40);
 }
 
 }  // namespace

@@ -58,8 +58,10 @@ TEST_F(InputLine, FieldsSeparatorsAndDefaults) {
       {"1,?", 2, false, false, {"1", "?"}, ""},  // "?" among fields is a word
       {"a$b #c", 2, false, false, {"a$b", "#c"}, ""},
       {"1,'ab", 2, false, false, {"1", "-"}, "illegal token in position"},
-      {"1 , 2", 2, true, false, {}, ""},  // a blank must lead to a field
-      {"1, 2", 2, true, false, {}, ""},
+      {"1 , 2", 2, false, false, {"1", "2"}, ""},  // blanks next to a comma belong to it
+      {"0, 10", 2, false, false, {"0", "10"}, ""},
+      {"1 ,,3", 3, false, false, {"1", "-", "3"}, ""},
+      {"1, ,3", 3, false, false, {"1", "-", "3"}, ""},
       {" 1", 1, true, false, {}, ""},
       {"'a'b", 1, true, false, {}, ""},
       {"$5", 1, true, false, {}, ""},

@@ -6,7 +6,9 @@
 #include <optional>
 #include <string>
 
+#include "framework/input.h"
 #include "framework/startup.h"
+#include "framework/text.h"
 #include "framework/state.h"
 #include "support/checks.h"
 #include "support/scratch_directory.h"
@@ -61,6 +63,30 @@ TEST_F(LogFile, ASecondSessionAppendsAndNoHomeWaitsForALine) {
   EXPECT_EQ(output(),
             " (OPLGFL) unable to get home drive defined by environment variable >HOME<\n"
             " To continue press <R>\n");
+}
+
+// Level 1 logs only the session's lines; 2 adds the errors, 3 the messages
+// and the lines typed, each without its formatting tokens.
+TEST_F(LogFile, LevelsTwoAndThreeAddErrorsMessagesAndInputs) {
+  std::filesystem::create_directories(path("T-cnfg"));
+  program().executionMode = ModeBatch;  // errors wait for no RETURN
+  for (int level : {1, 2, 3}) {
+    SCOPED_TRACE(level);
+    std::filesystem::remove(path("T-cnfg/Tarvik.log"));
+    program().logLevel = level;
+    EXPECT_STATUS(false, OPLGFL(status));
+    ERRSCN("Max X-coordinate must be{nwl{grelarger than min!");
+    PRMESG("{yelFairing used    3 iteration(s)");
+    type("0, 10\n");
+    Answer answer;
+    EXPECT_STATUS(false, RDPROM(2, answer, status));
+    EXPECT_STATUS(false, CLLGFL(status));
+    const std::string log = readFile(path("T-cnfg/Tarvik.log"));
+    EXPECT_EQ(Contains(log, "\nerror: Max X-coordinate must be larger than min!\n"), level >= 2);
+    EXPECT_EQ(Contains(log, "\nmessage: Fairing used    3 iteration(s)\n"), level >= 3);
+    EXPECT_EQ(Contains(log, "\ninput: 0, 10\n"), level >= 3);
+  }
+  program().logLevel = 1;
 }
 
 TEST_F(LogFile, IdentityMustBeSetBeforeStartUp) {

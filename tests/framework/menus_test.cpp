@@ -99,10 +99,31 @@ TEST_F(Menus, WrongMalformedAndSpecialAnswersRedraw) {
   EXPECT_FALSE(inputLeft());
 
   program().backupCounter = 0;
-  type("1 , 2\n#date\n\n2\n");
+  type("'a'b\n#date\n\n2\n");
   EXPECT_EQ(menu({"A", "B"}, 0).selection, 2);
   EXPECT_EQ(occurrences(output(), "TEST MENU"), 3);
   EXPECT_EQ(program().backupCounter, 1);  // only the valid answer counted
+}
+
+// "#reset" acts at once; the menu's rows describe the data that went, so
+// the menu returns with no selection for its caller to build it anew.
+TEST_F(Menus, ResetByASpecialCommandReturnsForNewRows) {
+  static bool reset = false;
+  reset = false;
+  callbacks().reset = [](bool& status) {
+    status = false;
+    reset = true;
+  };
+  type("#reset\n");
+  const Result r = menu({"A", "B"}, 0);
+  EXPECT_TRUE(reset);
+  EXPECT_EQ(r.selection, 0);
+  EXPECT_FALSE(r.abort || r.status);
+  EXPECT_EQ(occurrences(output(), "TEST MENU"), 1);
+  // Other special commands redraw the same rows.
+  type("#date\n\n2\n");
+  EXPECT_EQ(menu({"A", "B"}, 0).selection, 2);
+  EXPECT_EQ(occurrences(output(), "TEST MENU"), 2);
 }
 
 TEST_F(Menus, ClickOnARowSelectsItAndAClickElsewhereRedraws) {

@@ -105,11 +105,16 @@ TEST_F(SystemMenu, ItemsAndTheirDialogues) {
 }
 
 TEST_F(SystemMenu, SettingsOfTheProjectAttributesAndLog) {
+  program().projectName = path("ship");
+  program().projectDirectory = directory().string();
+  program().projectBaseName = "ship";
   std::string said = run("1\n3\n3\n2\nBigCo\nann\n4\n11\n");
   EXPECT_TRUE(Contains(said, {"PROJECT MANIPULATION", "PRINTOUT LEVEL", "3.  ... Advanced"}));
   EXPECT_EQ(program().printLevel, 3);
   EXPECT_EQ(program().company, "BigCo");
   EXPECT_EQ(program().user, "ann");
+  // The project file keeps the new identification at once.
+  EXPECT_TRUE(Contains(readFile(path("ship.PJC")), {"=BigCo", "=ann"}));
 
   said = run("2\n1\n2\n2\n1\n3\n0\n\n12\n4\n11\n");
   EXPECT_TRUE(

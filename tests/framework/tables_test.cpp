@@ -90,8 +90,8 @@ TEST_F(Table, PagesForwardBackAndByNumberOnTheScreen) {
 TEST_F(Table, PrintedPageByPageUnderThePageHeads) {
   open("", 20);
   const std::string date = printerState().date;
-  const std::string head = "Module: KNTR; pjc: demo           ; date: " + date.substr(0, 7) +
-                           date.substr(9, 2) + "; time: " + printerState().time + "; page:    ";
+  const std::string head = "Module: KNTR; pjc: demo           ; date: " + date.substr(0, 9) +
+                           "; time: " + printerState().time + "; page:    ";
   // First page: 20 - 11 (head box) - 3 (head, foot) - 2 (gap) = 4 rows;
   // later pages: 20 - 3 (head line) - 3 - 2 = 12 rows.
   EXPECT_EQ(run("", 30, 30), rows({{1, 30}}));

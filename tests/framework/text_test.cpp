@@ -81,6 +81,8 @@ TEST_F(TextTokens, IoErrorsNameTheOperationTheFileAndTheReason) {
   EXPECT_EQ(ioStatusReason(944), "{nwl{gre(Record too long in direct unformatted I/O");
   EXPECT_EQ(ioStatusReason(963),
             "{nwl{gre(Format error: Trying to scale unscalable format  specifier)");
+  EXPECT_EQ(ioStatusReason(962),
+            "{nwl{gre(Unexpected character found following a number in the{nwlformat string)");
   EXPECT_EQ(ioStatusReason(976), "{nwl{gre(Unexpected character in \"NAMELIST\" read)");
   for (int code : {906, 911, 919, 928, 932, 934, 935, 936, 938, 941, 943, 946, 949})
     EXPECT_EQ(ioStatusReason(code),
@@ -99,6 +101,22 @@ TEST_F(TextTokens, IoErrorsNameTheOperationTheFileAndTheReason) {
 // --- paged listings ------------------------------------------------------------
 
 // Paging by SCROLL is shown by the table tests, which page through it.
+// The last block of a listing is followed by blank lines to the screen's
+// end less one (24 - 3 - 1 on 24 lines after a block of two lines), then the
+// paging question with its two line ends.
+TEST_F(TextTokens, LastPageIsFilledUpToThePagingQuestion) {
+  type("\n");
+  int current = 1;
+  bool status = false;
+  SCROLL("a{nwlb", 1, current, status);
+  EXPECT_TRUE(status);
+  const std::string shown = output();
+  const std::size_t from = shown.find("a\nb\n"), to = shown.find("Input +, -, NNN");
+  ASSERT_NE(from, std::string::npos);
+  ASSERT_NE(to, std::string::npos);
+  EXPECT_EQ(shown.substr(from + 4, to - from - 4), std::string(22, '\n'));
+}
+
 TEST_F(TextTokens, WholeScreenListingMustFit) {
   resize(40, 12);
   type("\n\n");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,11 @@ TEST_F(MemoryConsole, LinesEditAndMouseReportsEndThemWithButtonAndCell) {
   testconsole::feed("\x1b[<0;7;3m\x1b[<64;1;1M\x1b[A\x1b[<2;40;10M");
   EXPECT_EQ(read(), "1 7 3 2 [12]");  // what was typed before the click
   EXPECT_EQ(read(), "3 40 10 0 []");  // right button: the number of buttons
+  // On a two-button mouse the right button gives 2: the default answer.
+  ::setenv("KNTR_MOUSE_BUTTONS", "2", 1);
+  testconsole::feed("\x1b[<2;40;10M");
+  EXPECT_EQ(read(), "2 40 10 0 []");
+  ::unsetenv("KNTR_MOUSE_BUTTONS");
   testconsole::feed("a\r\nb\n");      // CR LF is one line end
   std::string line;
   WinConF::getString(line);

@@ -130,10 +130,10 @@ TEST_F(FileMenu, EmptyProfileIsStoredAfterTheQuestionAndReloadsWithItsBox) {
   EXPECT_TRUE(fw::fileExists(path("quiet.KNT")));
 }
 
-TEST_F(FileMenu, LoadOfAMissingTemporaryFileOnlyClearsTheFlag) {
+TEST_F(FileMenu, LoadOfAMissingTemporaryFileChangesNothing) {
   triangle(0.0);
-  const ProfileData before = profile();
   profile().MODFLG = true;
+  const ProfileData before = profile();
   runMenu(std::string("4\n") + "yes\n" + "\n" + leave);
   const std::string out = output();
   EXPECT_NE(out.find("OK to load KNTR data without saving current data? (yes/no)"), npos);
@@ -149,7 +149,7 @@ TEST_F(FileMenu, LoadOfAMissingTemporaryFileOnlyClearsTheFlag) {
   EXPECT_EQ(profile().NPRCRV, 1);
 }
 
-TEST_F(FileMenu, LoadAsksFirstAndResetsOnFailure) {
+TEST_F(FileMenu, LoadAsksFirstAndKeepsTheDataOnFailure) {
   // The module's store callback writes the project's file.
   IZKNTF();
   triangle(0.0);
@@ -175,15 +175,18 @@ TEST_F(FileMenu, LoadAsksFirstAndResetsOnFailure) {
   EXPECT_EQ(box[1], 10.0);
   EXPECT_EQ(box[3], 10.0);
 
-  // A broken file: its message, then the reset and the failure message.
+  // A broken file: its message, then the failure message, and the edited
+  // data stay as they were, still marked as modified.
+  triangle(2.0);
+  profile().MODFLG = true;
+  const ProfileData kept = profile();
   const std::string whole = readFile(kntrFile());
   writeFile(kntrFile(), whole.substr(0, whole.size() - 10));
   runMenu(std::string("1\n") + "yes\n" + "\n" + "\n" + leave);
   const std::string out = output();
   EXPECT_NE(out.find("Incorrect file format detected at line"), npos);
-  EXPECT_NE(out.find("Loading of KNTR data failed - data structure initialized!"), npos);
-  EXPECT_EQ(profile().NPRCRV, 0);
-  EXPECT_FALSE(profile().BBOXOK);
+  EXPECT_NE(out.find("Loading of KNTR data failed - current data kept!"), npos);
+  EXPECT_TRUE(profile() == kept);
 }
 
 TEST_F(FileMenu, SaveAsAsksForAName) {

@@ -4,7 +4,9 @@
 
 #include "graphics/plotstate.h"
 #include "profile/block.h"
+#include "profile/datafile.h"
 #include "support/console_fixture.h"
+#include "support/dialogue_fixture.h"
 
 namespace kntr::profile {
 namespace {
@@ -83,6 +85,25 @@ TEST(PlotScale, TheViewShowsTheBox) {
     graphics::GINQRL(name, value, status);
     EXPECT_EQ(value, expected) << name;
   }
+}
+
+// A cancelled box question is no failure: the box counts as given and the
+// data as modified, as after an answer.
+using BoxRow = kntr::testing::DialogueTest;
+
+TEST_F(BoxRow, CancelledBoxQuestionStillMarksTheBoxAndTheData) {
+  resetProfileBlock();
+  resize(80, 24);
+  framework::program().SPNAME = "KNTR";
+  framework::program().SPVERS = "1998-0223";
+  IZKNTF();
+  type("1\n$\n9\nyes\n");
+  bool status = true;
+  MNKNTR(status);
+  EXPECT_FALSE(status);
+  EXPECT_TRUE(profile().BBOXOK);
+  EXPECT_TRUE(profile().MODFLG);
+  EXPECT_NE(output().find("WITHOUT storing modified data"), std::string::npos);
 }
 
 using Limits = kntr::testing::ConsoleTest;

@@ -171,16 +171,23 @@ TEST_F(CurvePick, MidpointsOfSplineSegmentsAreAtHalfParameter) {
     EXPECT_NEAR(mid[i - 1].x, half(1), 1e-12);
     EXPECT_NEAR(mid[i - 1].y, half(2), 1e-12);
   }
-  // A closed curve of 100 points has 100 segments, the last one closing it.
-  const std::vector<XY> round = midpoints(2, failed);
+  // The midpoint polyline holds 100 points: a closed curve of 49 points
+  // (49 segments, 99 points) fits, the last segment closing it; one of 100
+  // points does not.
+  addCurve(ellipse(49, 9, 9), true);
+  const std::vector<XY> round = midpoints(3, failed);
   EXPECT_FALSE(failed);
-  ASSERT_EQ(round.size(), 100u);
-  EXPECT_NEAR(std::hypot(round[99].x, round[99].y), 9.0, 1e-3);
-  EXPECT_LT(round[99].y, 0.0);
+  ASSERT_EQ(round.size(), 49u);
+  EXPECT_NEAR(std::hypot(round[48].x, round[48].y), 9.0, 1e-2);
+  EXPECT_LT(round[48].y, 0.0);
   EXPECT_EQ(output(), "");
+  type("\n");
+  midpoints(2, failed);
+  EXPECT_TRUE(failed);
+  EXPECT_TRUE(testing::shown(output(), "(HCPIP3) Max allowed number of interpolation points exceeded!"));
 
   type("\n");
-  midpoints(3, failed);
+  midpoints(4, failed);
   EXPECT_TRUE(failed);
   EXPECT_TRUE(testing::shown(output(), "(MKPSMP) Illegal profile curve index!"));
 }

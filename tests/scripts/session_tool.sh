@@ -49,7 +49,7 @@ check "missing file message" grep -qF '"missing.kntr" is non-existent!' err.txt
 printf 'not a profile\n' >bad.kntr
 "$KNTR_TOOL" polyline bad.kntr 2>err.txt
 check "bad file exit 1" test $? -eq 1
-check "bad file message" grep -q 'Attempt to read from file \*\* bad.kntr \*\* failed' err.txt
+check "bad file message" grep -qx 'kntr-tool: The file header of "bad.kntr" is incomplete or unreadable' err.txt
 "$KNTR_TOOL" fair "$bench/spline-lens.kntr" 1 >/dev/null 2>&1
 check "usage exit 2" test $? -eq 2
 finish

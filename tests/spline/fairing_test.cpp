@@ -214,6 +214,14 @@ TEST_F(Fairing, OneDimensionalMinimaOfKnownFunctions) {
 TEST_F(Fairing, BadSettingsAreReported) {
   auto rec = circle(6, 2.0);
   expectFailure(fair(*rec, 7, 1, true, -1.0).failed, "(HCFOP3) Illegal fair offset point index!");
+  expectFailure(fair(*rec, -1, 1, true, -1.0).failed, "(HCFOP3) Illegal fair offset point index!");
+  // Index 0 passes the check and moves nothing.
+  const SplineRecord before = *rec;
+  const FairRun zero = fair(*rec, 0, 1, true, -1.0);
+  EXPECT_FALSE(zero.failed);
+  EXPECT_EQ(zero.iterations, 0);
+  EXPECT_TRUE(rec->OFFPNT == before.OFFPNT);
+  EXPECT_EQ(output(), "");
   expectFailure(fair(*rec, 2, 1, true, -1.0, true, P(0, 0)).failed,
                 "(HCFOP3) Found zero length direction vector!");
   expectFailure(fair(*rec, 2, 1, true, 1e-7).failed,

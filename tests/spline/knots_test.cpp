@@ -8,6 +8,8 @@
 #include <random>
 #include <vector>
 
+#include "framework/state.h"
+#include "framework/text.h"
 #include "spline/record.h"
 #include "spline/tangents.h"
 #include "support/spline_helpers.h"
@@ -119,6 +121,15 @@ TEST_F(Knots, FallBacksAndErrors) {
   EXPECT_TRUE(
       shown(output(),
             "(MKIKV3) Curve length parameterization is impossible - uses chorde length instead!"));
+  // A note, shown as a message and not as an error.
+  static std::string kind;
+  framework::graphicsTextHooks().errorBox = [](std::string_view) { kind = "error"; };
+  framework::graphicsTextHooks().messageBox = [](std::string_view) { kind = "message"; };
+  framework::program().outputDevice = framework::DeviceGraphics;
+  MKIKV3(ParamCurveLength, *rec, failed);
+  framework::program().outputDevice = framework::DeviceConsole;
+  framework::graphicsTextHooks() = {};
+  EXPECT_EQ(kind, "message");
   EXPECT_DOUBLE_EQ(rec->INCKNT(1), 5.0);
   rec->NOFFS = 1;
   MKIKV3(ParamChordLength, *rec, failed);
