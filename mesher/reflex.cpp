@@ -371,22 +371,23 @@ void RSRFVX(MeshData& m, int h, View1<int> intAux, View1<double> realAux, int& f
     return;
   }
 
-  // Targets inside edges become vertices. The second lies further along the
-  // boundary; put it in first, so that a first on the same edge still finds
-  // its place between the edge's start and the second.
-  if (pick2 >= 0) {
-    if (label(pick2) < 0) {
-      INSVTX(m, x(pick2), y(pick2), -label(pick2), second, status);
-      if (status) return;
-    } else {
-      second = label(pick2);
-    }
-  }
+  // Targets inside edges become vertices, the first pick first. The second
+  // lies further along the boundary: when both lie inside one edge, the
+  // first's vertex has split it, and the second lies on the part after it.
   if (label(pick1) < 0) {
     INSVTX(m, x(pick1), y(pick1), -label(pick1), first, status);
     if (status) return;
   } else {
     first = label(pick1);
+  }
+  if (pick2 >= 0) {
+    if (label(pick2) < 0) {
+      const int edge = label(pick2) == label(pick1) ? first : -label(pick2);
+      INSVTX(m, x(pick2), y(pick2), edge, second, status);
+      if (status) return;
+    } else {
+      second = label(pick2);
+    }
   }
 }
 
