@@ -11,6 +11,11 @@ command -v clang++ >/dev/null || need+=(clang)
 [ -e /usr/include/X11/Xlib.h ] || need+=(libx11-dev)
 [ -e /usr/include/cairo/cairo.h ] || need+=(libcairo2-dev)
 command -v pkg-config >/dev/null || need+=(pkg-config)
+command -v gs >/dev/null || need+=(ghostscript)
+command -v hp2xx >/dev/null || need+=(hp2xx)
+[ -x /usr/sbin/cupsd ] || need+=(cups)
+command -v lpstat >/dev/null || need+=(cups-client)
+command -v lpr >/dev/null || need+=(cups-bsd)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"
