@@ -15,6 +15,7 @@
 #include "framework/system.h"
 #include "framework/text.h"
 #include "graphics/plotstate.h"
+#include "graphics/strokes.h"
 #include "platform/print.h"
 
 namespace kntr::graphics {
@@ -421,6 +422,97 @@ void scaleToPaper(double xmin, double xmax, double ymin, double ymax, double den
   const double cx = 0.5 * (xmin + xmax), cy = 0.5 * (ymin + ymax);
   GMARG(0.0, 0.0, 0.0, 0.0);
   G2SCAL(cx - halfWidth, cx + halfWidth, cy - halfHeight, cy + halfHeight);
+}
+
+void GPHEAD(std::string_view text, bool& status) {
+  status = false;
+  const PlotTitles& t = plotTitles();
+  const std::string heading = fmt::stripped(text);
+  if (!(t.heading && !heading.empty()) && !t.logo) return;
+  // What is changed here is put back at the end.
+  int clip = ClipOff;
+  bool ignored = false;
+  GINQIN("iclipx", clip, ignored);
+  const TextState saved = textState();
+  GCLIPM("off");
+  const Rectangle frame = plotState().plot;
+  auto place = [&](double fx, double fy) {
+    TextState& ts = textState();
+    ts.x = frame.xmin + fx * (frame.xmax - frame.xmin);
+    ts.y = frame.ymin + fy * (frame.ymax - frame.ymin);
+    ts.TextAngle = 0.0;
+  };
+  if (t.heading && !heading.empty()) {
+    place(0.5, 0.95);
+    textState().TextSize = 1.0;
+    textState().Alignment = 5;
+    GDWTXT("{2" + heading, status);
+  }
+  if (t.logo && !status) {
+    const framework::ProgramState& p = framework::program();
+    std::string date, time;
+    framework::GTDATE(date);
+    framework::GTTIME(time);
+    place(0.01, 0.01);
+    textState().TextSize = 0.5;
+    textState().Alignment = 1;
+    GDWTXT("{2Company{C          : {3" + fmt::stripped(p.company) + "{N" +
+               "{2User{C          : {3" + fmt::stripped(p.user) + "{N" +
+               "{2Project{C          : {3" + fmt::stripped(p.projectName) + "{N" +
+               "{2Date{C          : {3" + date + " {2at {3" + time,
+           status);
+  }
+  textState() = saved;
+  GSETIN("iclipx", clip, ignored);
+}
+
+void PLTSCL(bool& status) {
+  status = false;
+  int code = DisplayMediaCode;
+  std::string fileName;
+  bool cancelled = false;
+  SLMEDM(code, fileName, cancelled, status);
+  if (status || cancelled) return;
+  double width = 0.0, height = 0.0, aspect = TestFrameHeightMm / TestFrameWidthMm;
+  OPNDEV(OpenHardcopy, code, fileName, width, height, aspect, status);
+  if (status) return;
+  // At 1:1000 one unit is one millimetre of the page.
+  int colour = 1, clip = ClipOff;
+  bool ignored = false;
+  GINQIN("lincol", colour, ignored);
+  GINQIN("iclipx", clip, ignored);
+  scaleToPaper(0.0, TestFrameWidthMm, 0.0, TestFrameHeightMm, 1000.0);
+  GCLIPM("plot");
+  GSETIN("lincol", 1, ignored);
+  const double w = TestFrameWidthMm, h = TestFrameHeightMm;
+  GMOVE2(0.0, 0.0);
+  GDRAW2(w, 0.0);
+  GDRAW2(w, h);
+  GDRAW2(0.0, h);
+  GDRAW2(0.0, 0.0);
+  for (double x = 10.0; x < w; x += 10.0) {
+    GMOVE2(x, 0.0);
+    GDRAW2(x, 5.0);
+  }
+  for (double y = 10.0; y < h; y += 10.0) {
+    GMOVE2(0.0, y);
+    GDRAW2(5.0, y);
+  }
+  const TextState saved = textState();
+  textState().x = 0.5 * w;
+  textState().y = 0.5 * h;
+  textState().Alignment = 5;
+  textState().TextSize = 1.0;
+  bool failed = false;
+  GDWTXT("Test plot: frame " + fmt::I(static_cast<long long>(w), 3) + " mm x " +
+             fmt::I(static_cast<long long>(h), 3) + " mm, ticks 10 mm",
+         failed);
+  textState() = saved;
+  GSETIN("lincol", colour, ignored);
+  GSETIN("iclipx", clip, ignored);
+  bool closed = false;
+  CLSDEV(OpenHardcopy, true, closed);
+  status = closed;
 }
 
 void MNPLAT(bool& status) {

@@ -14,6 +14,8 @@
 //   OPNDEV         open the medium of a media code as the drawing device
 //   openPlotMedium open a medium described in full (no device table)
 //   CLSDEV         close the open medium
+//   GPHEAD         the plot's heading and its block of names and date
+//   PLTSCL         the test plot: a frame of known size
 //   MNPLAT         the menu "PLOT ATTRIBUTES": heading and logo switches
 //   scaleToPaper   scale a plot to 1:N on the page
 //   expandSpoolCommand  the command that spools a file to a plotter
@@ -33,6 +35,10 @@ inline constexpr int MediumPlotter = 2;
 inline constexpr int MediumFile = 3;
 inline constexpr int DisplayMediaCode = 1000;
 
+// The frame of the test plot, in millimetres.
+inline constexpr double TestFrameWidthMm = 200.0;
+inline constexpr double TestFrameHeightMm = 100.0;
+
 // OPNDEV modes: the first open of a medium, or a hardcopy's re-open that
 // gives the drawing device back on close.
 inline constexpr int OpenFull = 1;
@@ -40,8 +46,8 @@ inline constexpr int OpenHardcopy = 2;
 
 // The switches of the menu "PLOT ATTRIBUTES", and the plot's heading.
 struct PlotTitles {
-  bool heading = true;
-  bool logo = false;
+  bool heading = true;  // the heading text at the top
+  bool logo = false;    // the block of company, user, project and date
   std::string text;  // the heading text of the next plot
 };
 PlotTitles& plotTitles();
@@ -90,6 +96,17 @@ void scaleToPaper(double xmin, double xmax, double ymin, double ymax, double den
 // expandSpoolCommand: `command` with `fileName` put where it holds "%s",
 // or appended after a blank.
 std::string expandSpoolCommand(std::string_view command, std::string_view fileName);
+
+// GPHEAD: the heading `text` at the top of the plot (when the heading is
+// on and the text is not blank), and the block of company, user, project,
+// date and time at its foot (when the logo is on), in the plot's own frame.
+void GPHEAD(std::string_view text, bool& status);
+
+// PLTSCL: the test plot: on a medium the user chooses, a frame of
+// TestFrameWidthMm x TestFrameHeightMm with a tick every 10 mm and its size
+// written under it, at 1:1, so that the plotter's scale can be measured.
+//   status: set when the medium fails (already told).
+void PLTSCL(bool& status);
 
 // MNPLAT: the menu "PLOT ATTRIBUTES".
 void MNPLAT(bool& status);
