@@ -29,6 +29,7 @@ class PlotDialogue : public kntr::testing::DialogueTest {
   void SetUp() override {
     DialogueTest::SetUp();
     framework::resetConfiguration();
+    graphics::plotTitles() = {};
     graphics::resetPlotState();
     graphics::GINIT(1);
     bool status = false;
@@ -54,8 +55,22 @@ class PlotDialogue : public kntr::testing::DialogueTest {
   ScratchDirectory scratch;
 };
 
+// The coordinates of the PostScript records "x y mt" and "x y lt".
+void extents(const std::string& text, double& width, double& height) {
+  double xmin = 1e9, xmax = -1e9, ymin = 1e9, ymax = -1e9;
+  static const std::regex point("\\s+(-?[0-9.]+)\\s+(-?[0-9.]+) (mt|lt)");
+  for (std::sregex_iterator it(text.begin(), text.end(), point), end; it != end; ++it) {
+    const double x = std::stod((*it)[1]), y = std::stod((*it)[2]);
+    xmin = std::min(xmin, x), xmax = std::max(xmax, x);
+    ymin = std::min(ymin, y), ymax = std::max(ymax, y);
+  }
+  width = xmax - xmin;
+  height = ymax - ymin;
+}
+
 TEST_F(PlotDialogue, APlotFileAtAScaleOnThePaperChosen) {
   filePlotter("PostScript", 3);
+  graphics::plotTitles().heading = false;  // only the box and its numbers
   const std::string file = scratch.path("lens.ps");
   // RETURN past the set-up, a refused medium (and RETURN after the error),
   // file, paper A3, the name, 1:100.
@@ -69,15 +84,15 @@ TEST_F(PlotDialogue, APlotFileAtAScaleOnThePaperChosen) {
   const std::string text = ScratchDirectory::readFile(file);
   // A3 PostScript: its page and offset.
   EXPECT_TRUE(Contains(text, {"%%Dimensions: 33 68 1133 785", "showpage"}));
-  // At 1:100 the box's 12 m are 120 mm: the grid's frame spans that many points.
-  double xmin = 1e9, xmax = -1e9;
-  static const std::regex point("\\s+(-?[0-9.]+)\\s+(-?[0-9.]+) (mt|lt)");
-  for (std::sregex_iterator it(text.begin(), text.end(), point), end; it != end; ++it) {
-    const double x = std::stod((*it)[1]);
-    xmin = std::min(xmin, x);
-    xmax = std::max(xmax, x);
-  }
-  EXPECT_GT(xmax - xmin, 120.0 * 72.0 / 25.4 - 1.0);
+  // At 1:100 the box's 12 m x 8 m are 120 mm x 80 mm: the grid's frame and
+  // its numbers beside it.
+  double width = 0.0, height = 0.0;
+  extents(text, width, height);
+  const double pointsPerMm = 72.0 / 25.4;
+  EXPECT_GT(width, 120.0 * pointsPerMm - 1.0);
+  EXPECT_LT(width, 140.0 * pointsPerMm);
+  EXPECT_GT(height, 80.0 * pointsPerMm - 1.0);
+  EXPECT_LT(height, 100.0 * pointsPerMm);
   EXPECT_FALSE(inputLeft());
 }
 
@@ -99,12 +114,24 @@ TEST_F(PlotDialogue, RefusalsAndCancels) {
   EXPECT_STATUS(false, PLKNTR(status));
   EXPECT_TRUE(Contains(output(), {"PLOT ATTRIBUTES", "Heading on plot ....", "Logo on plot ...."}));
   EXPECT_FALSE(graphics::plotTitles().heading);
-  graphics::plotTitles().heading = true;
   // No curves: nothing is asked.
   profile().NPRCRV = 0;
   script("\n");
   EXPECT_STATUS(true, PLKNTR(status));
   EXPECT_TRUE(Contains(output(), "(PLKNTR) No profile curves available!"));
+}
+
+TEST_F(PlotDialogue, TheTestPlotsFrameMeasuresItsSize) {
+  filePlotter("PostScript", 4);
+  const std::string file = scratch.path("test.ps");
+  script("3\n" + file + "\n");
+  EXPECT_STATUS(false, graphics::PLTSCL(status));
+  double width = 0.0, height = 0.0;
+  extents(ScratchDirectory::readFile(file), width, height);
+  const double mmPerPoint = 25.4 / 72.0;
+  EXPECT_NEAR(width * mmPerPoint, graphics::TestFrameWidthMm, 0.5);
+  EXPECT_NEAR(height * mmPerPoint, graphics::TestFrameHeightMm, 0.5);
+  EXPECT_FALSE(inputLeft());
 }
 
 TEST_F(PlotDialogue, CgmSaysThatThisVersionWritesNone) {
