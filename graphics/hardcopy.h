@@ -62,8 +62,10 @@ int mediaCode(int medium, int index, int paper);
 void SLMEDM(int& code, std::string& fileName, bool& cancelled, bool& status);
 
 // OPNDEV: open the medium of `code` and make it the drawing device. The page
-// comes back in millimetres, with its aspect (height / width). `fileName` is
-// the plot file (or the metafile); a plotter writes the plot spool file.
+// comes back in millimetres, with its aspect (height / width); the aspect
+// handed in is the picture's, which an EPSF page of no configured size takes.
+// `fileName` is the plot file (or the metafile); a plotter writes the plot
+// spool file.
 //   status: set, after the message, when the medium cannot be opened.
 void OPNDEV(int mode, int code, std::string_view fileName, double& widthMm, double& heightMm,
             double& aspect, bool& status);
