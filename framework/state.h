@@ -132,6 +132,7 @@ struct FrameworkServices {
   void (*selectProject)(bool& status) = nullptr;      // choose or create a project
   void (*readConfiguration)(bool& status) = nullptr;  // read all configuration files again
   void (*closeLog)(bool& status) = nullptr;           // write the closing lines, close the log
+  void (*testPlot)(bool& status) = nullptr;           // plot a frame of known size
 };
 FrameworkServices& services();
 

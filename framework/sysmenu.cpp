@@ -710,7 +710,10 @@ void SYMENU(bool& status) {
         moduleLimits();
         break;
       case 8:
-        notInThisVersion();
+        if (services().testPlot)
+          services().testPlot(failed);
+        else
+          notInThisVersion();
         break;
       case 9:
         mailMenu(failed);

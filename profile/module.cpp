@@ -11,11 +11,13 @@
 #include "framework/state.h"
 #include "framework/sysmenu.h"
 #include "framework/text.h"
+#include "graphics/hardcopy.h"
 #include "graphics/plotstate.h"
 #include "platform/console.h"
 #include "profile/block.h"
 #include "profile/curveinput.h"
 #include "profile/datafile.h"
+#include "profile/plot.h"
 #include "profile/printout.h"
 
 namespace kntr::profile {
@@ -106,6 +108,7 @@ int KNTRMN() {
   program.SPVERS = ModuleVersion;
   framework::callbacks().reset = RSKNTR;
   framework::callbacks().limits = PRMLIM;
+  framework::services().testPlot = graphics::PLTSCL;
   IZKNTF();
 
   bool status = false;
@@ -199,7 +202,7 @@ void MNKNTR(bool& status) {
         break;
       }
       case PlotRow:
-        notInThisVersion();
+        PLKNTR(st);
         break;
       case SetupRow:
         framework::SYMENU(st);

@@ -18,6 +18,10 @@ command -v gs >/dev/null || need+=(ghostscript)
 command -v gmsh >/dev/null || need+=(gmsh)
 /usr/bin/python3 -c 'import meshio' 2>/dev/null || need+=(python3-meshio)
 /usr/bin/python3 -c 'import ezdxf' 2>/dev/null || need+=(python3-ezdxf)
+command -v hp2xx >/dev/null || need+=(hp2xx)
+[ -x /usr/sbin/cupsd ] || need+=(cups)
+command -v lpstat >/dev/null || need+=(cups-client)
+command -v lpr >/dev/null || need+=(cups-bsd)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"
