@@ -154,6 +154,10 @@ void CLLGFL(bool& status) {
   }
 }
 
+void LGNOTE(std::string_view text) {
+  if (program().logOpen) logFile().writeLine(std::string(text));
+}
+
 void PRBANR(std::string_view first, std::string_view second) {
   // The two texts travel with the call; the console banner shows the logo.
   (void)first;

@@ -11,6 +11,7 @@
 //   IZPGIO  file units, device defaults and the terminal set-up
 //   OPLGFL  open the log and write the start line
 //   CLLGFL  write the closing lines and close the log
+//   LGNOTE  write one line of information to the log, when it is open
 //   LDPJTP  read the hand-over file (execution mode, project)
 //   STPJTP  write the hand-over file
 //   PRBANR  show the banner for the configured time
@@ -38,6 +39,7 @@ void IZPGRM(bool& status);
 void IZPGIO(bool& status);
 void OPLGFL(bool& status);
 void CLLGFL(bool& status);
+void LGNOTE(std::string_view text);
 void LDPJTP(bool& status);
 void STPJTP(int mode, bool& status);
 void PRBANR(std::string_view first, std::string_view second);

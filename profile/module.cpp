@@ -15,6 +15,7 @@
 #include "profile/block.h"
 #include "profile/curveinput.h"
 #include "profile/datafile.h"
+#include "profile/manipulate.h"
 #include "profile/printout.h"
 
 namespace kntr::profile {
@@ -172,8 +173,10 @@ void MNKNTR(bool& status) {
       case ManipulateRow:
         if (!p.BBOXOK)
           framework::ERRSCN("Bounding box must be given before creating profile!");
-        else
-          notInThisVersion();
+        else {
+          MNPRCV(st);
+          if (!st) p.MODFLG = true;
+        }
         break;
       case PrintRow: {
         // Where to, then the printout; a job that fails is thrown away.
