@@ -573,6 +573,7 @@ void GITEMS(std::string_view heading, std::span<const std::string> items) {
     drawMenu(false);
     flushPlot();
   }
+  fw::OUTSCN("{cya" + fw::literal(m.heading));
 }
 
 void GQUEST(std::string_view question, std::string_view deflt, std::string_view help,
@@ -589,6 +590,12 @@ void GQUEST(std::string_view question, std::string_view deflt, std::string_view 
       hasDefault ? "(default " + std::string(fmt::trimmed(deflt)) + ")" : "(no default)";
   GraphicMenu& m = graphicMenu();
   for (;;) {
+    // A window closed by the user answers every question with an abort, so
+    // the dialogue goes back to the terminal.
+    if (!platform::windowShown()) {
+      abort = true;
+      return;
+    }
     GPRMPT(1, question);
     GPRMPT(2, defaultText);
     GPRMPT(3, m.typed);

@@ -183,6 +183,20 @@ void handleXEvent(XEvent& e, bool tracking) {
         s.queue.push_back(ev);
       }
       break;
+    case DestroyNotify:
+      if (e.xdestroywindow.window != s.window) break;
+      // Destroyed from outside: the wait ends as for a close.
+      if (s.surface) cairo_surface_destroy(s.surface);
+      s.surface = nullptr;
+      s.window = 0;
+      s.shown = false;
+      s.dragging = false;
+      {
+        WindowEvent ev;
+        ev.kind = EventKind::Closed;
+        s.queue.push_back(ev);
+      }
+      break;
     case ClientMessage:
       if (static_cast<Atom>(e.xclient.data.l[0]) == s.deleteMessage) {
         // Closing hides the window and ends the wait.
@@ -223,20 +237,14 @@ bool readConsoleLine(WindowEvent& event) {
   return true;
 }
 
-// Opens the X window; false when there is no display to open it on.
-bool openX(int horizontalPercent, int verticalPercent, std::string_view title) {
+// Errors of requests on a window that went away are of no consequence: the
+// window is made anew at the next open.
+int ignoreXError(Display*, XErrorEvent*) { return 0; }
+
+// Makes the X window at the given size.
+void createWindow(int w, int h, std::string_view title) {
   Window& s = win();
-  const char* name = std::getenv("DISPLAY");
-  if (!name || !*name) return false;
-  s.display = XOpenDisplay(nullptr);
-  if (!s.display) return false;
   const int screen = DefaultScreen(s.display);
-  const int screenW = DisplayWidth(s.display, screen), screenH = DisplayHeight(s.display, screen);
-  const int mmW = DisplayWidthMM(s.display, screen), mmH = DisplayHeightMM(s.display, screen);
-  s.mmPerPixelX = mmW > 0 ? double(mmW) / screenW : 25.4 / HeadlessDpi;
-  s.mmPerPixelY = mmH > 0 ? double(mmH) / screenH : 25.4 / HeadlessDpi;
-  const int w = std::max(64, horizontalPercent * screenW / 100);
-  const int h = std::max(48, verticalPercent * screenH / 100);
   s.window = XCreateSimpleWindow(s.display, RootWindow(s.display, screen), 0, 0,
                                  static_cast<unsigned>(w), static_cast<unsigned>(h), 0,
                                  BlackPixel(s.display, screen), BlackPixel(s.display, screen));
@@ -250,7 +258,26 @@ bool openX(int horizontalPercent, int verticalPercent, std::string_view title) {
   s.surface = cairo_xlib_surface_create(s.display, s.window, DefaultVisual(s.display, screen), w, h);
   s.surfaceWidth = w;
   s.surfaceHeight = h;
+  s.shown = false;
+}
+
+// Opens the display and the window; false when there is no display.
+bool openX(int horizontalPercent, int verticalPercent, std::string_view title) {
+  Window& s = win();
+  const char* name = std::getenv("DISPLAY");
+  if (!name || !*name) return false;
+  s.display = XOpenDisplay(nullptr);
+  if (!s.display) return false;
+  XSetErrorHandler(ignoreXError);
+  const int screen = DefaultScreen(s.display);
+  const int screenW = DisplayWidth(s.display, screen), screenH = DisplayHeight(s.display, screen);
+  const int mmW = DisplayWidthMM(s.display, screen), mmH = DisplayHeightMM(s.display, screen);
+  s.mmPerPixelX = mmW > 0 ? double(mmW) / screenW : 25.4 / HeadlessDpi;
+  s.mmPerPixelY = mmH > 0 ? double(mmH) / screenH : 25.4 / HeadlessDpi;
+  const int w = std::max(64, horizontalPercent * screenW / 100);
+  const int h = std::max(48, verticalPercent * screenH / 100);
   s.device.resize(w, h, s.mmPerPixelX, s.mmPerPixelY);
+  createWindow(w, h, title);
   return true;
 }
 
@@ -272,6 +299,10 @@ void cwOpenWindow(int horizontalPercent, int verticalPercent, std::string_view t
     }
     s.made = true;
   }
+  if (s.display && s.window == 0) {
+    // The window was destroyed from outside: a new one of the buffer's size.
+    createWindow(s.device.width(), s.device.height(), title);
+  }
   if (s.display && !s.shown) {
     XMapRaised(s.display, s.window);
     XFlush(s.display);
@@ -285,7 +316,7 @@ void cwOpenWindow(int horizontalPercent, int verticalPercent, std::string_view t
 
 void cwCloseWindow() {
   Window& s = win();
-  if (s.display && s.shown) {
+  if (s.display && s.window != 0 && s.shown) {
     XUnmapWindow(s.display, s.window);
     XFlush(s.display);
   }
@@ -452,7 +483,7 @@ bool cwWritePng(const std::string& path, std::string& error) {
 void cwResize(int widthPixels, int heightPixels) {
   Window& s = win();
   if (!s.made) return;
-  if (s.display) {
+  if (s.display && s.window != 0) {
     XResizeWindow(s.display, s.window, static_cast<unsigned>(std::max(2, widthPixels)),
                   static_cast<unsigned>(std::max(2, heightPixels)));
     XFlush(s.display);
