@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cmath>
 #include <string>
+#include <unordered_map>
 
 #include "framework/text.h"
 #include "platform/drawing.h"
@@ -39,16 +40,25 @@ const char* const textRealNames[] = {
 constexpr int IntegerCount = sizeof(integerNames) / sizeof(integerNames[0]);
 constexpr int RealCount = sizeof(textRealNames) / sizeof(textRealNames[0]);
 
+// Position of an attribute in its table by name; -1 for none.
 int integerIndex(std::string_view name) {
-  for (int k = 0; k < IntegerCount; ++k)
-    if (name == integerNames[k]) return k;
-  return -1;
+  static const std::unordered_map<std::string_view, int> index = [] {
+    std::unordered_map<std::string_view, int> m;
+    for (int k = 0; k < IntegerCount; ++k) m[integerNames[k]] = k;
+    return m;
+  }();
+  const auto it = index.find(name);
+  return it == index.end() ? -1 : it->second;
 }
 
 int realIndex(std::string_view name) {
-  for (int k = 0; k < RealCount; ++k)
-    if (name == textRealNames[k]) return k;
-  return -1;
+  static const std::unordered_map<std::string_view, int> index = [] {
+    std::unordered_map<std::string_view, int> m;
+    for (int k = 0; k < RealCount; ++k) m[textRealNames[k]] = k;
+    return m;
+  }();
+  const auto it = index.find(name);
+  return it == index.end() ? -1 : it->second;
 }
 
 // Default label origins of text, x label, y label, plot title, x title,
@@ -226,7 +236,10 @@ DevicePen& devicePen() {
 void deviceLine(double x0, double y0, double x1, double y1) {
   platform::Device* d = device();
   if (!d) return;
-  if (!clipSegment(clipRectangle(state()), x0, y0, x1, y1)) return;
+  const Rectangle r = clipRectangle(state());
+  const bool inside = x0 >= r.xmin && x0 <= r.xmax && y0 >= r.ymin && y0 <= r.ymax &&
+                      x1 >= r.xmin && x1 <= r.xmax && y1 >= r.ymin && y1 <= r.ymax;
+  if (!inside && !clipSegment(r, x0, y0, x1, y1)) return;
   double a, b, c, e;
   worldToDevice(x0, y0, a, b);
   worldToDevice(x1, y1, c, e);
@@ -304,6 +317,7 @@ void G2SCAL(double xmin, double xmax, double ymin, double ymax) {
   s.plot = Rectangle{xmin - (s.mgnlft / a) * w, xmax + (s.mgnrgh / a) * w,
                      ymin - (s.mgnbot / b) * h, ymax + (s.mgntop / b) * h};
   deriveRectangles(s);
+  applyClip();
 }
 
 void G2SCLT(double xmin, double xmax, double ymin, double ymax) {
@@ -326,6 +340,7 @@ void G2SCLT(double xmin, double xmax, double ymin, double ymax) {
                      ymin - (ey + s.mgnbot / b) * h / (1.0 - 2.0 * ey),
                      ymax + (ey + s.mgntop / b) * h / (1.0 - 2.0 * ey)};
   deriveRectangles(s);
+  applyClip();
 }
 
 void GCLIPM(std::string_view mode) {
@@ -513,7 +528,8 @@ void GDRAW2(double x, double y) {
   s.penX = x;
   s.penY = y;
   if (!drawable()) return;
-  setDeviceColour(integerAttribute("lincol"));
+  static const int lincol = integerIndex("lincol");
+  setDeviceColour(attributes().integers[lincol]);
   deviceLine(x0, y0, x, y);
 }
 
@@ -521,7 +537,8 @@ void GPOLY2(int n, const double* x, const double* y) {
   if (n < 1) return;
   GMOVE2(x[0], y[0]);
   if (drawable()) {
-    setDeviceColour(integerAttribute("lincol"));
+    static const int lincol = integerIndex("lincol");
+    setDeviceColour(attributes().integers[lincol]);
     for (int k = 1; k < n; ++k) deviceLine(x[k - 1], y[k - 1], x[k], y[k]);
   }
   PlotState& s = state();
@@ -593,24 +610,53 @@ void worldPerDeviceUnit(double& dx, double& dy) {
   dy = (s.plot.ymax - s.plot.ymin) / std::max(1, s.heightUnits - 1);
 }
 
-void worldToDevice(double x, double y, double& dx, double& dy) {
+namespace {
+
+// The world-to-device mapping as factors, made again whenever the plot
+// rectangle, the surface or the device changes.
+struct Mapping {
+  Rectangle plot;
+  int width = 0, height = 0, device = 0;
+  double ax = 0.0, bx = 0.0, ay = 0.0, by = 0.0;
+  bool round = true;
+};
+
+const Mapping& mapping() {
+  static Mapping m;
   const PlotState& s = state();
-  if (s.deviceFailed) {
+  if (m.plot.xmin != s.plot.xmin || m.plot.xmax != s.plot.xmax || m.plot.ymin != s.plot.ymin ||
+      m.plot.ymax != s.plot.ymax || m.width != s.widthUnits || m.height != s.heightUnits ||
+      m.device != s.device) {
+    m.plot = s.plot;
+    m.width = s.widthUnits;
+    m.height = s.heightUnits;
+    m.device = s.device;
+    const double w = s.widthUnits - 1, h = s.heightUnits - 1;
+    m.ax = w / (s.plot.xmax - s.plot.xmin);
+    m.bx = -s.plot.xmin * m.ax;
+    const bool up = s.device == DevicePageFile || s.device == DevicePlotter ||
+                    s.device == DevicePlotter2;
+    // rows count downward on windows and images, upward on pages and plotters
+    m.ay = (up ? h : -h) / (s.plot.ymax - s.plot.ymin);
+    m.by = up ? -s.plot.ymin * m.ay : h - s.plot.ymin * m.ay;
+    m.round = s.device != DevicePageFile;
+  }
+  return m;
+}
+
+}  // namespace
+
+void worldToDevice(double x, double y, double& dx, double& dy) {
+  if (state().deviceFailed) {
     dx = dy = 0.0;
     return;
   }
-  const double u = (x - s.plot.xmin) / (s.plot.xmax - s.plot.xmin);
-  const double v = (y - s.plot.ymin) / (s.plot.ymax - s.plot.ymin);
-  const double w = s.widthUnits - 1, h = s.heightUnits - 1;
-  if (s.device == DevicePageFile) {
-    dx = w * u;
-    dy = h * v;
-  } else if (s.device == DevicePlotter || s.device == DevicePlotter2) {
-    dx = std::round(w * u);
-    dy = std::round(h * v);
-  } else {
-    dx = std::round(w * u);
-    dy = std::round(h * (1.0 - v));
+  const Mapping& m = mapping();
+  dx = m.ax * x + m.bx;
+  dy = m.ay * y + m.by;
+  if (m.round) {
+    dx = std::nearbyint(dx);
+    dy = std::nearbyint(dy);
   }
 }
 
@@ -659,6 +705,10 @@ void redrawPlot(int mode, bool& status) {
   redrawClient(true, false, status);
   if (!status) redrawClient(false, mode == 2, status);
   flushPlot();
+}
+
+void hairlines(bool on) {
+  if (platform::Device* d = device()) d->hairline(on);
 }
 
 void flushPlot() {

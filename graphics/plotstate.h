@@ -169,6 +169,8 @@ void redrawPlot(int mode, bool& status);
 // setRedrawClient: the routine that erases (erase true) or draws the picture.
 using RedrawClient = void (*)(bool erase, bool rescale, bool& status);
 void setRedrawClient(RedrawClient client);
+// hairlines: thin lines that need no smoothing follow (grid, mesh), or no more.
+void hairlines(bool on);
 // flushPlot: hand what is pending to the device.
 void flushPlot();
 

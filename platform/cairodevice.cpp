@@ -5,7 +5,10 @@
 #include <cairo.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
+#include <cmath>
+#include <cstdlib>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -41,6 +44,9 @@ CairoDevice::CairoDevice(cairo_surface_t* surface, bool owned, int width, int he
   cairo_set_line_cap(cr_, CAIRO_LINE_CAP_ROUND);
   cairo_set_line_join(cr_, CAIRO_LINE_JOIN_ROUND);
   cairo_set_line_width(cr_, 1.0);
+  image_ = cairo_surface_get_type(surface_) == CAIRO_SURFACE_TYPE_IMAGE;
+  clipRight_ = width_ - 1;
+  clipBottom_ = height_ - 1;
 }
 
 CairoDevice::~CairoDevice() {
@@ -107,7 +113,10 @@ void CairoDevice::strokePending() {
   cairo_get_current_point(cr_, &x, &y);
   setSource(colour_);
   cairo_set_line_width(cr_, lineWidthOf(lineWidth_));
+  // hairlines: no smoothing and plain ends, which Cairo strokes much faster
   cairo_set_antialias(cr_, hairline_ ? CAIRO_ANTIALIAS_NONE : CAIRO_ANTIALIAS_DEFAULT);
+  cairo_set_line_cap(cr_, CAIRO_LINE_CAP_BUTT);
+  cairo_set_line_join(cr_, hairline_ ? CAIRO_LINE_JOIN_MITER : CAIRO_LINE_JOIN_BEVEL);
   cairo_stroke(cr_);
   // the pen stays where the last line ended
   cairo_move_to(cr_, x, y);
@@ -122,6 +131,12 @@ void CairoDevice::move(double x, double y) {
 }
 
 void CairoDevice::draw(double x, double y) {
+  if (hairline_ && image_ && lineWidth_ <= 1) {
+    rasterLine(penX_, penY_, x, y);
+    penX_ = x;
+    penY_ = y;
+    return;
+  }
   if (!cairo_has_current_point(cr_)) cairo_move_to(cr_, penX_ + 0.5, penY_ + 0.5);
   cairo_line_to(cr_, x + 0.5, y + 0.5);
   penX_ = x;
@@ -161,6 +176,10 @@ void CairoDevice::clear(double left, double top, double right, double bottom) {
 
 void CairoDevice::clip(double x1, double y1, double x2, double y2) {
   strokePending();
+  clipLeft_ = std::max(0, static_cast<int>(std::ceil(x1)));
+  clipTop_ = std::max(0, static_cast<int>(std::ceil(y1)));
+  clipRight_ = std::min(width_ - 1, static_cast<int>(std::floor(x2)));
+  clipBottom_ = std::min(height_ - 1, static_cast<int>(std::floor(y2)));
   cairo_new_path(cr_);
   cairo_reset_clip(cr_);
   cairo_rectangle(cr_, x1, y1, x2 - x1 + 1.0, y2 - y1 + 1.0);
@@ -169,22 +188,62 @@ void CairoDevice::clip(double x1, double y1, double x2, double y2) {
 
 void CairoDevice::palette(int table) {
   strokePending();
+  rasterColour_ = -1;
   table_ = table;
 }
 
 void CairoDevice::paperColours(bool on) {
   strokePending();
   mode_ = on ? PaletteMode::Paper : PaletteMode::Screen;
+  rasterColour_ = -1;
 }
 
 void CairoDevice::hairline(bool on) {
   if (on == hairline_) return;
   strokePending();
+  if (on && image_) {
+    // Cairo must be done with the pixels before they are written here
+    cairo_surface_flush(surface_);
+    pixels_ = cairo_image_surface_get_data(surface_);
+    stride_ = cairo_image_surface_get_stride(surface_);
+  } else if (!on && image_) {
+    cairo_surface_mark_dirty(surface_);
+  }
   hairline_ = on;
+}
+
+// A one-pixel line straight into the image, inside the clip rectangle.
+void CairoDevice::rasterLine(double x0, double y0, double x1, double y1) {
+  if (rasterColour_ != colour_) {
+    const Rgb c = paletteColour(table_, colour_, mode_);
+    rasterValue_ = (std::uint32_t(c.red) << 16) | (std::uint32_t(c.green) << 8) | c.blue;
+    rasterColour_ = colour_;
+  }
+  const std::uint32_t value = rasterValue_;
+  int ax = static_cast<int>(std::lround(x0)), ay = static_cast<int>(std::lround(y0));
+  const int bx = static_cast<int>(std::lround(x1)), by = static_cast<int>(std::lround(y1));
+  const int dx = std::abs(bx - ax), dy = -std::abs(by - ay);
+  const int sx = ax < bx ? 1 : -1, sy = ay < by ? 1 : -1;
+  int error = dx + dy;
+  for (;;) {
+    if (ax >= clipLeft_ && ax <= clipRight_ && ay >= clipTop_ && ay <= clipBottom_)
+      std::memcpy(pixels_ + ay * stride_ + 4 * ax, &value, 4);
+    if (ax == bx && ay == by) break;
+    const int e2 = 2 * error;
+    if (e2 >= dy) {
+      error += dy;
+      ax += sx;
+    }
+    if (e2 <= dx) {
+      error += dx;
+      ay += sy;
+    }
+  }
 }
 
 void CairoDevice::flush() {
   strokePending();
+  if (hairline_ && image_) cairo_surface_mark_dirty(surface_);
   cairo_surface_flush(surface_);
 }
 

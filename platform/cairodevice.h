@@ -75,6 +75,7 @@ class CairoDevice : public Device {
  private:
   CairoDevice(cairo_surface_t* surface, bool owned, int width, int height, double dpi);
   void strokePending();
+  void rasterLine(double x0, double y0, double x1, double y1);
   void setSource(int colour);
 
   cairo_surface_t* surface_ = nullptr;
@@ -89,6 +90,13 @@ class CairoDevice : public Device {
   bool pending_ = false;
   double penX_ = 0.0, penY_ = 0.0;
   bool hairline_ = false;
+  // Hairlines on an image are set straight into its pixels.
+  bool image_ = false;
+  unsigned char* pixels_ = nullptr;
+  int stride_ = 0;
+  int rasterColour_ = -1;
+  std::uint32_t rasterValue_ = 0;
+  int clipLeft_ = 0, clipTop_ = 0, clipRight_ = 0, clipBottom_ = 0;
   std::string path_, temporary_;
 };
 

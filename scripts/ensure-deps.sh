@@ -10,7 +10,10 @@ command -v clang++ >/dev/null || need+=(clang)
 [ -e /usr/include/benchmark/benchmark.h ] || need+=(libbenchmark-dev)
 [ -e /usr/include/X11/Xlib.h ] || need+=(libx11-dev)
 [ -e /usr/include/cairo/cairo.h ] || need+=(libcairo2-dev)
+[ -e /usr/share/hershey-fonts/rowmans.jhf ] || need+=(hershey-fonts-data)
+command -v python3 >/dev/null || need+=(python3)
 command -v pkg-config >/dev/null || need+=(pkg-config)
+command -v gs >/dev/null || need+=(ghostscript)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

@@ -46,7 +46,8 @@ const char* const usageText =
     "trailing-normal|DX,DY]\n"
     "                 [--global] [--restraint D] [--iterations N] -o OUT\n"
     "       kntr-tool mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT]\n"
-    "                 [--plain OUT]\n";
+    "                 [--plain OUT]\n"
+    "       kntr-tool plot FILE [--size WxH] [--mesh N] [--grid|--no-grid] (--png|--svg|--pdf) OUT\n";
 
 }  // namespace
 
@@ -127,5 +128,6 @@ int main(int argc, char** argv) {
   if (command == "polyline") return tool::polylineCommand(arguments);
   if (command == "fair") return tool::fairCommand(arguments);
   if (command == "mesh") return tool::meshCommand(arguments);
+  if (command == "plot") return tool::plotCommand(arguments);
   return tool::usage("");
 }

@@ -14,6 +14,7 @@ using Arguments = std::vector<std::string>;
 int polylineCommand(const Arguments& arguments);
 int fairCommand(const Arguments& arguments);
 int meshCommand(const Arguments& arguments);
+int plotCommand(const Arguments& arguments);
 
 // Loads a profile data file into the profile block; false when it failed.
 bool loadProfile(const std::string& name);

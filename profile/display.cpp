@@ -1,0 +1,267 @@
+#include "profile/display.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "framework/text.h"
+#include "graphics/grid.h"
+#include "graphics/plotstate.h"
+#include "mesher/driver.h"
+#include "mesher/limits.h"
+#include "profile/block.h"
+#include "profile/module.h"
+#include "profile/polylines.h"
+
+namespace kntr::profile {
+
+namespace {
+
+using graphics::GCOLOR;
+using graphics::GDRAW2;
+using graphics::GMARK2;
+using graphics::GMOVE2;
+
+// Where the mesh of the picture is made: room as the module asks for it.
+struct MeshArea {
+  int numVertices = 0;
+  int numTriangles = 0;
+  Array1<XY, mesher::ResultVertices> vertices;
+  Array1<mesher::Triangle, mesher::ResultTriangles> triangles;
+  Array1<double, mesher::ResultTriangles> quality;
+};
+
+MeshArea& meshArea() {
+  static MeshArea area;
+  return area;
+}
+
+ProfilePolylines& polylines() {
+  static ProfilePolylines lines;
+  return lines;
+}
+
+// Cut the line through (x1, y1) and (x2, y2), extended both ways, to the
+// box; false when it misses the box or the two points coincide.
+bool lineThroughBox(double x1, double y1, double x2, double y2, double& ax, double& ay,
+                    double& bx, double& by) {
+  const ProfileData& p = profile();
+  const double dx = x2 - x1, dy = y2 - y1;
+  if (dx == 0.0 && dy == 0.0) return false;
+  double t0 = -HUGE_VAL, t1 = HUGE_VAL;
+  const double lo[2] = {p.PRBBOX(1), p.PRBBOX(3)}, hi[2] = {p.PRBBOX(2), p.PRBBOX(4)};
+  const double o[2] = {x1, y1}, d[2] = {dx, dy};
+  for (int k = 0; k < 2; ++k) {
+    if (d[k] == 0.0) {
+      if (o[k] < lo[k] || o[k] > hi[k]) return false;
+      continue;
+    }
+    double ta = (lo[k] - o[k]) / d[k], tb = (hi[k] - o[k]) / d[k];
+    if (ta > tb) std::swap(ta, tb);
+    t0 = std::max(t0, ta);
+    t1 = std::min(t1, tb);
+  }
+  if (!(t0 < t1)) return false;
+  ax = x1 + t0 * dx;
+  ay = y1 + t0 * dy;
+  bx = x1 + t1 * dx;
+  by = y1 + t1 * dy;
+  return true;
+}
+
+// A label beside a point: a little to the right, centred on it.
+void labelAt(double x, double y, const std::string& text) {
+  double wx = 0.0, wy = 0.0;
+  graphics::worldPerDeviceUnit(wx, wy);
+  graphics::GLORG(2);
+  GMOVE2(x + 8.0 * wx, y);
+  graphics::GWTEXT(text);
+}
+
+// The span of the polyline from point j to point j + 1 of the current curve.
+void drawHighlight(const ProfilePolylines& lines, int c, int j) {
+  const ProfileData& p = profile();
+  const int n = p.NPRPNT(c);
+  const int count = lines.points(c);
+  if (j < 1 || j > n) return;
+  if (j == n) {
+    // the closing segment, only on a closed curve
+    if (!p.PRCLSD(c)) return;
+    const int from = lines.index(c, n);
+    GMOVE2(lines.xy(c, from).x, lines.xy(c, from).y);
+    for (int i = from + 1; i <= count; ++i) GDRAW2(lines.xy(c, i).x, lines.xy(c, i).y);
+    GDRAW2(lines.xy(c, 1).x, lines.xy(c, 1).y);
+    return;
+  }
+  const int from = lines.index(c, j), to = lines.index(c, j + 1);
+  GMOVE2(lines.xy(c, from).x, lines.xy(c, from).y);
+  for (int i = from + 1; i <= to; ++i) GDRAW2(lines.xy(c, i).x, lines.xy(c, i).y);
+}
+
+// A snap line or auxiliary line across the box.
+void lineAcrossBox(const Array1<double, 4>& line, int colour) {
+  double ax, ay, bx, by;
+  if (!lineThroughBox(line(1), line(2), line(3), line(4), ax, ay, bx, by)) return;
+  GCOLOR(colour);
+  GMOVE2(ax, ay);
+  GDRAW2(bx, by);
+}
+
+}  // namespace
+
+std::string pointLabel(int c, int j) {
+  const ProfileData& p = profile();
+  const std::string number = std::to_string(j);
+  switch (p.PRPTYP(c, j)) {
+    case ContinuousCurvature: return number;
+    case Knuckle: return (p.PRKWGT(c, j) == 1.0 ? "K" : "k") + number;
+    case LeadingTangent: return "TL" + number;
+    case TrailingTangent: return "TT" + number;
+    case BothTangents: return "TB" + number;
+    case EqualTangents: return "TE" + number;
+    case LeadingSheer: return "SL" + number;
+    case TrailingSheer: return "ST" + number;
+    default: return number;
+  }
+}
+
+void PLPRCV(int curve, bool erase, bool& status) {
+  status = false;
+  const ProfileData& p = profile();
+  if (curve < 0 || curve > p.NPRCRV) {
+    framework::fail("(PLPRCV) Illegal profile curve index!", status);
+    return;
+  }
+  auto colour = [erase](int c) { return erase ? EraseColour : c; };
+  bool failed = false;
+  graphics::GTSIZE(LabelSize, failed);
+
+  // the reference point
+  GCOLOR(colour(ReferenceColour));
+  GMOVE2(p.PRREFP(1), p.PRREFP(2));
+  GMARK2(ReferenceMark);
+  labelAt(p.PRREFP(1), p.PRREFP(2), "REF");
+  if (p.NPRCRV == 0) return;
+
+  ProfilePolylines& lines = polylines();
+  IQPPOL(MaxCurves, MaxPolylinePoints, lines, status);
+  if (status) return;
+  const int first = curve == 0 ? 1 : curve;
+  const int last = curve == 0 ? p.NPRCRV : curve;
+
+  // the curves
+  for (int c = first; c <= last; ++c) {
+    const int count = lines.points(c);
+    if (count < 2) continue;
+    const int lineColour = colour(c == p.CURCRV ? CurrentCurveColour : CurveColour);
+    const bool marksOnly = p.PRFTYP == SplineProfile && p.SHOWIP;
+    if (!marksOnly || p.SHOWLS) {
+      GCOLOR(lineColour);
+      GMOVE2(lines.xy(c, 1).x, lines.xy(c, 1).y);
+      for (int i = 2; i <= count; ++i) GDRAW2(lines.xy(c, i).x, lines.xy(c, i).y);
+      if (p.PRCLSD(c)) GDRAW2(lines.xy(c, 1).x, lines.xy(c, 1).y);
+    }
+    if (marksOnly) {
+      GCOLOR(colour(InterpolatedColour));
+      for (int i = 1; i <= count; ++i) {
+        GMOVE2(lines.xy(c, i).x, lines.xy(c, i).y);
+        GMARK2(InterpolatedMark);
+      }
+    }
+  }
+
+  // highlighted segments of the current curve
+  if (p.CURCRV >= first && p.CURCRV <= last && lines.points(p.CURCRV) >= 2) {
+    GCOLOR(colour(HighlightColour));
+    for (int k = 1; k <= 2; ++k)
+      if (p.HILSEG(k) != 0) drawHighlight(lines, p.CURCRV, p.HILSEG(k));
+  }
+
+  // the points, with their labels: small strokes that need no smoothing
+  graphics::hairlines(true);
+  for (int c = first; c <= last; ++c) {
+    for (int j = 1; j <= p.NPRPNT(c); ++j) {
+      const bool current = c == p.CURCRV && j == p.CURPNT;
+      GCOLOR(colour(current ? CurrentPointColour : PointColour));
+      const double x = p.PRPNTS(c, j)(1), y = p.PRPNTS(c, j)(2);
+      GMOVE2(x, y);
+      GMARK2(PointMark);
+      labelAt(x, y, pointLabel(c, j));
+    }
+  }
+  graphics::hairlines(false);
+}
+
+void PLMESH(bool erase, bool& status) {
+  status = false;
+  MeshArea& m = meshArea();
+  mesher::IQPMSH(mesher::ResultVertices, mesher::ResultTriangles, View1<double>(m.quality),
+                 m.numVertices, View1<XY>(m.vertices), m.numTriangles,
+                 View1<mesher::Triangle>(m.triangles), status);
+  if (status) return;
+  drawMesh(View1<const XY>(m.vertices.data(), m.numVertices),
+           View1<const mesher::Triangle>(m.triangles.data(), m.numTriangles),
+           erase ? EraseColour : MeshColour);
+}
+
+void drawMesh(View1<const XY> vertices, View1<const mesher::Triangle> triangles, int colour) {
+  GCOLOR(colour);
+  graphics::hairlines(true);
+  for (int t = 1; t <= triangles.size(); ++t) {
+    const mesher::Triangle& tri = triangles(t);
+    const XY& a = vertices(tri(1));
+    GMOVE2(a.x, a.y);
+    for (int k : {2, 3, 1}) GDRAW2(vertices(tri(k)).x, vertices(tri(k)).y);
+  }
+  graphics::hairlines(false);
+}
+
+void DPKNTR(bool erase, bool rescale, bool& status) {
+  status = false;
+  if (erase) {
+    graphics::GCLEAR("display");
+    return;
+  }
+  if (rescale) {
+    SCKNTR(status);
+    if (status) return;
+  }
+  ProfileData& p = profile();
+  if (p.SHOWGR && p.BBOXOK) {
+    graphics::plotState().grid =
+        graphics::Rectangle{p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4)};
+    graphics::GGRID2(status);
+    if (status) return;
+  }
+  if (p.MESHON) {
+    PLMESH(false, status);
+    if (status) return;
+  }
+  PLPRCV(0, false, status);
+  if (status) return;
+  if (p.SNAPOK) {
+    lineAcrossBox(p.SNAPLN, SnapLineColour);
+    bool failed = false;
+    graphics::GTSIZE(LabelSize, failed);
+    GCOLOR(SnapEndColour);
+    for (int k = 0; k < 2; ++k) {
+      const double x = p.SNAPLN(2 * k + 1), y = p.SNAPLN(2 * k + 2);
+      GMOVE2(x, y);
+      GMARK2(SnapEndMark);
+      labelAt(x, y, k == 0 ? "1" : "2");
+    }
+  }
+  if (p.MARKOK) {
+    GCOLOR(InsertMarkColour);
+    GMOVE2(p.MARKPT(1), p.MARKPT(2));
+    GMARK2(InsertMark);
+  }
+  if (p.HLPLOK) lineAcrossBox(p.HLPLIN, HelpLineColour);
+  graphics::flushPlot();
+}
+
+void REDRAW(bool& status) {
+  DPKNTR(true, false, status);
+  if (!status) DPKNTR(false, false, status);
+}
+
+}  // namespace kntr::profile

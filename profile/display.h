@@ -1,0 +1,62 @@
+// The picture of the profile, drawn through the plot state on whatever
+// device is attached. The whole picture is erased by clearing the display
+// rectangle, one curve by drawing it again in the background colour: every
+// editor erases, changes the data, and draws.
+//
+//   DPKNTR  the whole picture: erase it, or (rescaled to the box) draw it
+//   PLPRCV  the curves, their points and labels, and the reference point
+//   PLMESH  the interior mesh
+//   drawMesh  draw given triangles as the mesh is drawn
+//   pointLabel  the label of a point: its type letters and its number
+//   REDRAW  erase and draw the whole picture
+#pragma once
+
+#include <string>
+
+#include "framework/onebased.h"
+#include "mesher/structure.h"
+
+namespace kntr::profile {
+
+// Colours of the things of the picture.
+inline constexpr int EraseColour = 0;
+inline constexpr int ReferenceColour = 3;
+inline constexpr int CurrentCurveColour = 2;
+inline constexpr int CurveColour = 4;
+inline constexpr int InterpolatedColour = 5;
+inline constexpr int PointColour = 1;
+inline constexpr int CurrentPointColour = 2;
+inline constexpr int HighlightColour = 1;
+inline constexpr int SnapLineColour = 6;
+inline constexpr int SnapEndColour = 5;
+inline constexpr int HelpLineColour = 3;
+inline constexpr int InsertMarkColour = 3;
+inline constexpr int MeshColour = 3;
+
+// Marks.
+inline constexpr int PointMark = 1;
+inline constexpr int ReferenceMark = 2;
+inline constexpr int InterpolatedMark = 5;
+inline constexpr int InsertMark = 5;
+inline constexpr int SnapEndMark = 15;
+
+// Size of the point labels.
+inline constexpr double LabelSize = 0.5;
+
+// DPKNTR: with `erase` clear the display rectangle and nothing else;
+// otherwise draw grid, mesh, curves, snap line, marks and auxiliary line,
+// first scaling the plot to the box when `rescale`.
+void DPKNTR(bool erase, bool rescale, bool& status);
+// PLPRCV: curve `curve` (0 for all) with its points, in the background
+// colour when `erase`.
+void PLPRCV(int curve, bool erase, bool& status);
+// PLMESH: the interior mesh, in the background colour when `erase`.
+void PLMESH(bool erase, bool& status);
+// drawMesh: triangles over the vertices, each as its closed outline.
+void drawMesh(View1<const XY> vertices, View1<const mesher::Triangle> triangles, int colour);
+// pointLabel: "K12", "k3", "TL4", "7", ... for point j of curve c.
+std::string pointLabel(int c, int j);
+// REDRAW: DPKNTR erase, then DPKNTR draw.
+void REDRAW(bool& status);
+
+}  // namespace kntr::profile
