@@ -1,6 +1,5 @@
 #include "profile/manipulate.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
 
@@ -12,8 +11,8 @@
 #include "graphics/plotstate.h"
 #include "graphics/view.h"
 #include "profile/block.h"
+#include "profile/display.h"
 #include "profile/module.h"
-#include "profile/polylines.h"
 
 namespace kntr::profile {
 
@@ -27,46 +26,11 @@ void notInThisVersion() {
              std::string(fmt::trimmed(fw::program().SPVERS)) + ")");
 }
 
-// The picture of the profile: erase clears the display area; drawing scales
-// to the box first when asked.
+// The picture in the window: the profile's picture, and the frame drawn
+// again after an erase (the display rectangle reaches into it).
 void picture(bool erase, bool rescale, bool& status) {
-  status = false;
-  if (erase) {
-    gr::GCLEAR("display");
-    gr::GWFRAM();
-    return;
-  }
-  if (rescale) SCKNTR(status);
-  const ProfileData& p = profile();
-  bool failed = false;
-  if (p.SHOWGR) {
-    // Grid crosses at a tenth of the box.
-    const double dx = (p.PRBBOX(2) - p.PRBBOX(1)) / 10.0, dy = (p.PRBBOX(4) - p.PRBBOX(3)) / 10.0;
-    const double arm = 0.15 * std::min(dx, dy);
-    gr::strokeColour(1);
-    for (int i = 0; i <= 10; ++i)
-      for (int j = 0; j <= 10; ++j) {
-        const double x = p.PRBBOX(1) + i * dx, y = p.PRBBOX(3) + j * dy;
-        gr::strokeMove(x - arm, y);
-        gr::strokeDraw(x + arm, y);
-        gr::strokeMove(x, y - arm);
-        gr::strokeDraw(x, y + arm);
-      }
-  }
-  if (p.NPRCRV == 0) return;
-  static ProfilePolylines lines;
-  IQPPOL(MaxCurves, MaxPolylinePoints, lines, failed);
-  if (failed) {
-    status = true;
-    return;
-  }
-  for (int c = 1; c <= lines.curves; ++c) {
-    if (lines.points(c) < 2) continue;
-    gr::strokeColour(c == p.CURCRV ? 2 : 4);
-    gr::strokeMove(lines.xy(c, 1).x, lines.xy(c, 1).y);
-    for (int i = 2; i <= lines.points(c); ++i) gr::strokeDraw(lines.xy(c, i).x, lines.xy(c, i).y);
-    if (p.PRCLSD(c)) gr::strokeDraw(lines.xy(c, 1).x, lines.xy(c, 1).y);
-  }
+  DPKNTR(erase, rescale, status);
+  if (erase) gr::GWFRAM();
 }
 
 void redraw(bool& status) {
