@@ -333,11 +333,26 @@ PressOutcome press(double px, double py, bool exact, double wx, double wy, Graph
   return PressOutcome::Position;
 }
 
+// The fields of an event line: blanks next to a comma go, so "X, Y" reads
+// as the two fields it means.
+std::string eventFields(std::string_view rest) {
+  std::string out;
+  for (char c : rest) {
+    if (c == ',') {
+      while (!out.empty() && out.back() == ' ') out.pop_back();
+      out += c;
+    } else if (!(c == ' ' && !out.empty() && out.back() == ',')) {
+      out += c;
+    }
+  }
+  return out;
+}
+
 // Two reals from the rest of an event line.
 bool twoReals(std::string_view rest, double& a, double& b) {
   fw::Answer parsed;
   bool status = false;
-  fw::RDGIVN(rest, 2, parsed, status);
+  fw::RDGIVN(eventFields(rest), 2, parsed, status);
   if (status || parsed.special || parsed.help || parsed.abort || parsed.deflt) {
     if (!status) fw::ERRSCN("Two values are needed");
     return false;

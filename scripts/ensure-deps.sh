@@ -14,6 +14,11 @@ command -v clang++ >/dev/null || need+=(clang)
 command -v python3 >/dev/null || need+=(python3)
 command -v pkg-config >/dev/null || need+=(pkg-config)
 command -v gs >/dev/null || need+=(ghostscript)
+command -v xvfb-run >/dev/null || need+=(xvfb)
+command -v xauth >/dev/null || need+=(xauth)
+command -v xdotool >/dev/null || need+=(xdotool)
+command -v xwd >/dev/null || need+=(x11-apps)
+command -v convert >/dev/null || need+=(imagemagick)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"
