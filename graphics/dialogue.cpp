@@ -267,15 +267,34 @@ void textBox(std::string_view value, int colour) {
   flushPlot();
 }
 
+// A text for the terminal: a line break of the stroke text ("{n" before
+// anything but a token) becomes the terminal's.
+std::string terminalText(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '{' && i + 1 < text.size() && (text[i + 1] == 'n' || text[i + 1] == 'N')) {
+      const bool token = i + 3 < text.size() && std::isalpha(static_cast<unsigned char>(text[i + 2])) &&
+                         std::isalpha(static_cast<unsigned char>(text[i + 3]));
+      if (!token) {
+        out += "{nwl";
+        ++i;
+        continue;
+      }
+    }
+    out += text[i];
+  }
+  return out;
+}
+
 void errorBox(std::string_view value) {
-  fw::PUTSCN("{csb{red" + std::string(fmt::trimmed(value)));
+  fw::PUTSCN("{csb{red" + terminalText(fmt::trimmed(value)));
   textBox(value, ErrorColour);
   waitAnyKey();
   repaint();
 }
 
 void messageBox(std::string_view value) {
-  fw::PUTSCN("{csb{gre" + std::string(fmt::trimmed(value)));
+  fw::PUTSCN("{csb{gre" + terminalText(fmt::trimmed(value)));
   textBox(value, MessageColour);
   waitAnyKey();
   repaint();
