@@ -492,6 +492,10 @@ void cwResize(int widthPixels, int heightPixels) {
   changeSize(widthPixels, heightPixels);
 }
 
+void cwSync() {
+  if (win().display) XSync(win().display, False);
+}
+
 Device* windowDevice() {
   return win().device.image ? &win().device : nullptr;
 }

@@ -27,6 +27,7 @@
 //   cwPresent       copy the off-screen buffer to the window
 //   cwWritePng      the buffer as a PNG file
 //   cwResize        give the window a new size (as the user would)
+//   cwSync          wait until the display has done all that was sent
 //   windowDevice    the drawing device of the window's buffer
 //   windowHeadless  true when the window is an off-screen image only
 #pragma once
@@ -107,6 +108,9 @@ void cwPresent();
 bool cwWritePng(const std::string& path, std::string& error);
 // cwResize: a new size of the window, handled as the user's resize.
 void cwResize(int widthPixels, int heightPixels);
+
+// cwSync: wait until the display has carried out every request sent.
+void cwSync();
 
 // windowDevice: the device that draws into the window's buffer (null
 // before the first open).
