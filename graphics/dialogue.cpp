@@ -371,7 +371,7 @@ std::string eventFields(std::string_view rest) {
 bool twoReals(std::string_view rest, double& a, double& b) {
   fw::Answer parsed;
   bool status = false;
-  fw::RDGIVN(eventFields(rest), 2, parsed, status);
+  fw::RDGIVN(eventFields(fmt::stripped(rest)), 2, parsed, status);
   if (status || parsed.special || parsed.help || parsed.abort || parsed.deflt) {
     if (!status) fw::ERRSCN("Two values are needed");
     return false;
@@ -779,6 +779,56 @@ void GWPICT(const std::string& path, bool& failed) {
   }
   GPRMPT(3, "Picture written to " + path);
   fw::OUTSCN("{gre" + fw::literal("Picture written to " + path));
+}
+
+void GTCRSR(int& button, double& x, double& y) {
+  int key = button, px = 0, py = 0;
+  platform::cwdigt(key, px, py);
+  button = key;
+  if (key == 0) deviceToWorld(px, py, x, y);
+}
+
+void GTTRAK(int& kind, int& key, double& x, double& y) {
+  for (;;) {
+    platform::WindowEvent e;
+    platform::cwNextEvent(e, true);
+    switch (e.kind) {
+      case platform::EventKind::Closed:
+        kind = 0;
+        return;
+      case platform::EventKind::Key:
+        kind = 1;
+        key = e.key;
+        return;
+      case platform::EventKind::Press:
+      case platform::EventKind::Move:
+        if (e.kind == platform::EventKind::Press && e.button != 1) continue;
+        kind = e.kind == platform::EventKind::Press ? 2 : 3;
+        deviceToWorld(e.x, e.y, x, y);
+        return;
+      case platform::EventKind::Line: {
+        std::string word;
+        std::string_view rest;
+        if (graphicEvent(e.line, word, rest)) {
+          const std::string w = fmt::upper(word);
+          double a = 0, b = 0;
+          if ((w == "MOVE" || w == "PICK" || w == "PIXEL") && twoReals(rest, a, b)) {
+            kind = w == "MOVE" ? 3 : 2;
+            x = a;
+            y = b;
+            if (w == "PIXEL") deviceToWorld(a, b, x, y);
+            return;
+          }
+          continue;
+        }
+        kind = 1;
+        key = e.line.empty() ? 13 : static_cast<unsigned char>(e.line[0]);
+        return;
+      }
+      default:
+        continue;
+    }
+  }
 }
 
 std::string graphicAnswerHelp() {

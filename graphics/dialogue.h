@@ -19,6 +19,8 @@
 //   GSELCT  a graphic menu and its selection
 //   GPRMPT  write a prompt line (1..3)
 //   GWPICT  write the picture as it stands to a file
+//   GTCRSR  cursor read: a key or a left press, in world units
+//   GTTRAK  one tracking event in world units (key, press or move)
 //   breadcrumbText  the breadcrumb of a heading stack
 //   menuItemAt      the item box under surface fractions, 0 for none
 //   graphicEventWord  true for the words of the graphic event lines
@@ -86,6 +88,14 @@ void GSELCT(std::string_view heading, std::span<const std::string> items,
 void GPRMPT(int line, std::string_view text);
 // GWPICT: PNG from the window's buffer; SVG or PDF drawn anew.
 void GWPICT(const std::string& path, bool& failed);
+
+// GTCRSR: button = the character of a key, or 0 for a left press at (x, y)
+// in world units; a closed window leaves button as it was.
+void GTCRSR(int& button, double& x, double& y);
+// GTTRAK: kind 1 a key or typed line (`key` its first character, 13 for an
+// empty line), 2 a left press, 3 a pointer move ("#move X, Y" too), 0 a
+// closed window; (x, y) in world units.
+void GTTRAK(int& kind, int& key, double& x, double& y);
 
 // breadcrumbText: the levels below the current one that fit in 56
 // characters, joined; empty for a stack of one.

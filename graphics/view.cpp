@@ -13,6 +13,7 @@
 #include "graphics/dialogue.h"
 #include "graphics/strokes.h"
 #include "platform/drawing.h"
+#include "platform/window.h"
 
 namespace kntr::graphics {
 
@@ -377,6 +378,34 @@ bool digitizeFor(int button, std::string_view prompt, double& x, double& y,
   return code == 3 || code == 1;
 }
 
+// The second corner of a zoom box with the box drawn after the pointer; a
+// key or a closed window gives up.
+bool rubberBand(int button, double x1, double y1, double& x2, double& y2) {
+  ViewState& v = view();
+  v.waitingButton = button;
+  repaintPanel();
+  GPRMPT(1, "Digitize second corner of zoom box");
+  GPRMPT(2, "");
+  flushPlot();
+  platform::cwKeepPicture();
+  int kind = 0, key = 0;
+  for (;;) {
+    GTTRAK(kind, key, x2, y2);
+    platform::cwBackPicture();
+    if (kind != 3) break;
+    strokeColour(7);
+    strokeMove(x1, y1);
+    strokeDraw(x2, y1);
+    strokeDraw(x2, y2);
+    strokeDraw(x1, y2);
+    strokeDraw(x1, y1);
+    flushPlot();
+  }
+  v.waitingButton = 0;
+  repaintPanel();
+  return kind == 2;
+}
+
 }  // namespace
 
 void GZOOMI(bool& failed) {
@@ -402,7 +431,11 @@ void GZOOMB(bool& failed) {
   const int button = panelIndexOf("ZBX");
   double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
   if (!digitizeFor(button, "Digitize first corner of zoom box", x1, y1, "")) return;
-  if (!digitizeFor(button, "Digitize second corner of zoom box", x2, y2, "")) return;
+  if (v.DYNGRF) {
+    if (!rubberBand(button, x1, y1, x2, y2)) return;
+  } else if (!digitizeFor(button, "Digitize second corner of zoom box", x2, y2, "")) {
+    return;
+  }
   if (x1 == x2 && y1 == y2) return;
   const Rectangle present = plotState().margin;
   Rectangle next{std::min(x1, x2), std::max(x1, x2), std::min(y1, y2), std::max(y1, y2)};

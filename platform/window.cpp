@@ -77,6 +77,7 @@ struct Window {
   bool dragging = false;
   int dragX = 0, dragY = 0;
   std::deque<WindowEvent> queue;
+  cairo_surface_t* kept = nullptr;  // the picture under a rubber band
   RescaleCallback rescale = nullptr;
   RedrawCallback redraw = nullptr;
   int penX = 0, penY = 0;
@@ -490,6 +491,32 @@ void cwResize(int widthPixels, int heightPixels) {
     return;  // the change comes back as an event
   }
   changeSize(widthPixels, heightPixels);
+}
+
+void cwKeepPicture() {
+  Window& s = win();
+  if (!s.device.image) return;
+  s.device.image->flush();
+  if (s.kept) cairo_surface_destroy(s.kept);
+  s.kept = cairo_image_surface_create(CAIRO_FORMAT_RGB24, s.device.width(), s.device.height());
+  cairo_t* cr = cairo_create(s.kept);
+  cairo_set_source_surface(cr, s.device.image->surface(), 0, 0);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+}
+
+void cwBackPicture() {
+  Window& s = win();
+  if (!s.device.image || !s.kept || cairo_image_surface_get_width(s.kept) != s.device.width() ||
+      cairo_image_surface_get_height(s.kept) != s.device.height())
+    return;
+  s.device.image->flush();
+  cairo_t* cr = cairo_create(s.device.image->surface());
+  cairo_set_source_surface(cr, s.kept, 0, 0);
+  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+  cairo_surface_mark_dirty(s.device.image->surface());
 }
 
 void cwSync() {

@@ -28,6 +28,8 @@
 //   cwWritePng      the buffer as a PNG file
 //   cwResize        give the window a new size (as the user would)
 //   cwSync          wait until the display has done all that was sent
+//   cwKeepPicture   keep a copy of the buffer (under a rubber band)
+//   cwBackPicture   put the kept copy back into the buffer
 //   windowDevice    the drawing device of the window's buffer
 //   windowHeadless  true when the window is an off-screen image only
 #pragma once
@@ -111,6 +113,12 @@ void cwResize(int widthPixels, int heightPixels);
 
 // cwSync: wait until the display has carried out every request sent.
 void cwSync();
+
+// cwKeepPicture, cwBackPicture: a copy of the buffer as it stands, and the
+// buffer put back to it, so a rubber band can be drawn over the picture and
+// taken away again.
+void cwKeepPicture();
+void cwBackPicture();
 
 // windowDevice: the device that draws into the window's buffer (null
 // before the first open).

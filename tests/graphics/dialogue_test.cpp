@@ -204,6 +204,32 @@ TEST_F(GraphicDialogue, PanelButtonsZoomThePicture) {
   EXPECT_TRUE(Contains(output(), "Unknown button: XX"));
 }
 
+TEST_F(GraphicDialogue, RubberBandZoomAndResize) {
+  const auto items = threeItems();
+  GITEMS("POINTS", items);
+  viewState().DYNGRF = true;
+  // The box follows the moves; the press of the second corner zooms to it.
+  ask("#button ZBX\n#pick 1, 1\n#move 3, 3\n#move 4, 3\n#pick 5, 4\n#item 1\n");
+  const Rectangle& m = plotState().margin;
+  EXPECT_TRUE(viewState().ZOOMED);
+  EXPECT_NEAR((m.xmin + m.xmax) / 2, 3.0, 1e-9);
+  EXPECT_NEAR((m.ymin + m.ymax) / 2, 2.5, 1e-9);
+  EXPECT_LE(m.xmin, 1.0 + 1e-9);
+  EXPECT_GE(m.ymax, 4.0 - 1e-9);
+  EXPECT_LT(m.xmax - m.xmin, 10.0);
+  // A new size: the surface is taken, the picture redrawn, the view kept.
+  const Rectangle scale = plotState().scale;
+  const int before = redraws;
+  platform::cwResize(800, 500);
+  EXPECT_EQ(plotState().widthUnits, 800);
+  EXPECT_EQ(plotState().heightUnits, 500);
+  EXPECT_DOUBLE_EQ(plotState().asprto, 500.0 / 800.0);
+  EXPECT_EQ(redraws, before + 1);
+  EXPECT_DOUBLE_EQ(plotState().scale.xmin, scale.xmin);
+  EXPECT_DOUBLE_EQ(plotState().scale.ymax, scale.ymax);
+  platform::cwResize(platform::HeadlessWidth, platform::HeadlessHeight);
+}
+
 TEST(GraphicEventsInTerminalMode, AreRefusedAndListed) {
   EXPECT_TRUE(framework::graphicEventWord("pick"));
   EXPECT_TRUE(framework::graphicEventWord("Picture"));
