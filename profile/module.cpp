@@ -12,6 +12,7 @@
 #include "framework/sysmenu.h"
 #include "framework/text.h"
 #include "graphics/plotstate.h"
+#include "graphics/view.h"
 #include "profile/block.h"
 #include "profile/curveinput.h"
 #include "profile/datafile.h"
@@ -111,6 +112,8 @@ int KNTRMN() {
   if (status) return 1;
   RSKNTR(status);
   if (status) return 1;
+  // The views start from their defaults: a fixed view of the plane.
+  graphics::resetViewState();
 
   // The module starts in terminal mode.
   program.terminalInput = true;

@@ -104,6 +104,28 @@ read -r rx ry < <(predicted 1000 700 4.3 3)
 check "red curve redrawn at ($rx, $ry) of the new size" colour_near resized.png "$rx" "$ry" red
 check "panel redrawn at the new size" colour_near resized.png 815 637 cyan
 
+# The wheel zooms by 1.25 about the pointer: the pointer's point stays, the
+# green curve moves away from it. A middle-button drag moves the picture
+# with the pointer.
+read -r gx gy < <(predicted 1000 700 4.3 1)
+xdotool mousemove "$rx" "$ry"
+sleep 0.2
+xdotool click 4
+sleep 0.7
+screenshot wheel.png
+zx=$(( rx + (gx - rx) * 5 / 4 )) zy=$(( ry + (gy - ry) * 5 / 4 ))
+check "wheel keeps the pointer's point" colour_near wheel.png "$rx" "$ry" red
+check "wheel zooms about the pointer: green at ($zx, $zy)" colour_near wheel.png "$zx" "$zy" green
+check "green no longer where it stood" no_colour_near wheel.png "$gx" "$gy" green
+xdotool mousemove 500 350 mousedown 2
+sleep 0.2
+xdotool mousemove 540 330
+sleep 0.2
+xdotool mouseup 2
+sleep 0.7
+screenshot dragged.png
+check "a middle drag pans with the pointer" colour_near dragged.png $((zx + 40)) $((zy - 20)) green
+
 # Closing the window during the wait ends it: back to the terminal menu.
 lines=$(grep -c 'MANIPULATE KNTR DATA' out)
 xdotool windowclose "$window"
