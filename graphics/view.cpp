@@ -600,6 +600,26 @@ void DG2WLD(double r, double s, double& x, double& y, bool& failed) {
   y = v.Y1 + ((v.r2 - v.r1) * (s - v.s1) - (v.s2 - v.s1) * (r - v.r1)) / dX / D;
 }
 
+namespace {
+
+// One keyed value for the calibration: code 1 when keyed, 0 when given up,
+// another code for anything but keys.
+int keyedValue(const std::string& prompt, double& value) {
+  GraphicAnswer answer;
+  bool abort = false, status = false;
+  GQUEST(prompt, "", "", 1, answer, abort, status);
+  if (abort || status) return 0;
+  if (answer.kind != KeyboardInput) return answer.kind == PositionInput ? 3 : answer.kind;
+  std::array<double, 1> values{value};
+  bool deflt = false, bad = false;
+  framework::GTREAL(values, deflt, bad);
+  if (bad) return 0;
+  value = values[0];
+  return 1;
+}
+
+}  // namespace
+
 void DGSCAL(int plane, int mode, int menuState, bool& failed) {
   (void)mode;
   (void)menuState;
@@ -612,50 +632,67 @@ void DGSCAL(int plane, int mode, int menuState, bool& failed) {
   const char* ordinate = plane == 3 ? "Y" : "Z";
   const std::string pair = plane == 1 ? "YZ" : (plane == 2 ? "XZ" : "XY");
   ViewState& v = view();
-  const ViewState saved = v;
   for (;;) {
     int code = 0;
     double r1 = 0, s1 = 0, r2 = 0, s2 = 0, r3 = 0, s3 = 0;
+    double X1 = v.X1, Y1 = v.Y1, X2 = v.X2, Y3 = v.Y3;
+    // The fix-point: digitized, then its coordinates keyed in.
     GDIGIT("Digitize a known fix-point", code, r1, s1);
-    if (code == 0) { v = saved; return; }
-    if (code != 3) { ERRSCN("(DGSCAL) It is only possible to digitize the point!"); continue; }
-    GDIGIT("Input the corresponding coordinates (" + pair + ") [m]", code, v.X1, v.Y1);
-    if (code == 0) { v = saved; return; }
-    if (code != 1) { ERRSCN("(DGSCAL) Coordinates must be keyed in!"); continue; }
+    if (code == 0) return;
+    if (code != 3) {
+      ERRSCN("(DGSCAL) It is only possible to digitize the point!");
+      continue;
+    }
+    GDIGIT("Input the corresponding coordinates (" + pair + ") [m]", code, X1, Y1);
+    if (code == 0) return;
+    if (code != 1) {
+      ERRSCN("(DGSCAL) Coordinates must be keyed in!");
+      continue;
+    }
+    // A point on the fix-point's ordinate, and its abscissa.
     GDIGIT(std::string("Digitize a point with same ordinate (") + ordinate + ") as the fix-point",
            code, r2, s2);
-    if (code == 0) { v = saved; return; }
-    double value = v.X1, unused = 0;
-    GDIGIT(std::string("Input the corresponding ") + abscissa + "-coordinate [m]", code, value,
-           unused);
-    if (code == 0) { v = saved; return; }
-    if (code != 1) { ERRSCN("(DGSCAL) Coordinate must be keyed in!"); continue; }
-    if (value == v.X1) {
+    if (code == 0) return;
+    code = keyedValue(std::string("Input the corresponding ") + abscissa + "-coordinate [m]", X2);
+    if (code == 0) return;
+    if (code != 1) {
+      ERRSCN("(DGSCAL) Coordinate must be keyed in!");
+      continue;
+    }
+    if (X2 == X1) {
       ERRSCN(std::string("(DGSCAL) Given ") + abscissa +
              "-coordinate must be different from that of the fix-point!");
       continue;
     }
-    v.X2 = value;
+    // A point on the fix-point's abscissa, and its ordinate.
     GDIGIT(std::string("Digitize a point with same abcissa (") + abscissa + ") as the fix-point",
            code, r3, s3);
-    if (code == 0) { v = saved; return; }
-    value = v.Y1;
-    GDIGIT(std::string("Input the corresponding ") + ordinate + "-coordinate [m]", code, value,
-           unused);
-    if (code == 0) { v = saved; return; }
-    if (code != 1) { ERRSCN("(DGSCAL) Coordinate must be keyed in!"); continue; }
-    v.Y3 = value;
+    if (code == 0) return;
+    code = keyedValue(std::string("Input the corresponding ") + ordinate + "-coordinate [m]", Y3);
+    if (code == 0) return;
+    if (code != 1) {
+      ERRSCN("(DGSCAL) Coordinate must be keyed in!");
+      continue;
+    }
+    if (Y3 == Y1) {
+      ERRSCN(std::string("(DGSCAL) Given ") + ordinate +
+             "-coordinate must be different from that of the fix-point!");
+      continue;
+    }
     if (r2 == r1 || s3 == s1) {
       ERRSCN("(DGSCAL) Illegal scaling, try again!");
       continue;
     }
+    // The two digitized axes at right angles within 5 degrees.
     const double A = std::atan((s2 - s1) / (r2 - r1));
     const double B = std::atan((r1 - r3) / (s3 - s1));
     if (std::abs(A - B) > 5.0 * Pi / 180.0 + 1e-12) {
       ERRSCN("(DGSCAL) Inaccurate scaling detected, try again!");
       continue;
     }
-    v.r1 = r1; v.s1 = s1; v.r2 = r2; v.s2 = s2; v.r3 = r3; v.s3 = s3;
+    v.r1 = r1; v.s1 = s1; v.X1 = X1; v.Y1 = Y1;
+    v.r2 = r2; v.s2 = s2; v.X2 = X2;
+    v.r3 = r3; v.s3 = s3; v.Y3 = Y3;
     v.plane = plane;
     GCLEAR("display");
     return;

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -228,6 +230,31 @@ TEST_F(GraphicDialogue, RubberBandZoomAndResize) {
   EXPECT_DOUBLE_EQ(plotState().scale.xmin, scale.xmin);
   EXPECT_DOUBLE_EQ(plotState().scale.ymax, scale.ymax);
   platform::cwResize(platform::HeadlessWidth, platform::HeadlessHeight);
+}
+
+TEST_F(GraphicDialogue, DigitizerCalibrationAllowsFiveDegreesAndNotSix) {
+  // Fix-point (1, 1) at model (0, 0); (4, 1) at X = 3; the third point on a
+  // line 6 degrees off the perpendicular, then 5 degrees off.
+  const double tan6 = std::tan(6 * 3.14159265358979323846 / 180);
+  const double tan5 = std::tan(5 * 3.14159265358979323846 / 180);
+  auto attempt = [](double r3) {
+    char number[40];
+    std::snprintf(number, sizeof number, "%.17g", r3);
+    return "#pick 1, 1\n0 0\n#pick 4, 1\n3\n#pick " + std::string(number) + ", 4\n3\n";
+  };
+  script(attempt(1 - 3 * tan6) + "\n" + attempt(1 - 3 * tan5));
+  bool failed = false;
+  DGSCAL(3, 1, 0, failed);
+  EXPECT_FALSE(failed);
+  EXPECT_EQ(occurrences(output(), "(DGSCAL) Inaccurate scaling detected, try again!"), 1);
+  EXPECT_FALSE(inputLeft());
+  double x = 0, y = 0;
+  DG2WLD(4, 1, x, y, failed);
+  EXPECT_NEAR(x, 3.0, 1e-9);
+  EXPECT_NEAR(y, 0.0, 1e-9);
+  DG2WLD(1 - 3 * tan5, 4, x, y, failed);
+  EXPECT_NEAR(x, 0.0, 1e-5);
+  EXPECT_NEAR(y, 3.0, 1e-9);
 }
 
 TEST(GraphicEventsInTerminalMode, AreRefusedAndListed) {
