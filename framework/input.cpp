@@ -184,6 +184,10 @@ std::string specialCommandList(bool disabled) {
         "{nwl (*) PROJECT"
         "{nwl(*) =  Disabled at the moment";
   }
+  // The graphic event lines, answers in graphic mode.
+  text +=
+      "{nwl{nwl{yelIn graphic mode{cya{nwlPICK x, y{nwlPIXEL px, py{nwlMOVE x, y"
+      "{nwlITEM n{nwlBUTTON name{nwlPICTURE file{nwlUNDERLAY{nwlUNDO{nwlREDO";
   return text;
 }
 
@@ -335,6 +339,22 @@ void RDPROM(int expected, Answer& answer, bool& status) {
   takeLine(std::move(line));
 }
 
+void RDGIVN(std::string_view line, int expected, Answer& answer, bool& status) {
+  std::string text(line);
+  if (static_cast<int>(text.size()) > InputLineLength) text.resize(InputLineLength);
+  RDLNPR(text, expected, program().specialDisabled, answer, status);
+  takeLine(std::move(text));
+}
+
+bool graphicEventWord(std::string_view word) {
+  static constexpr std::array<std::string_view, 9> words{
+      "PICK", "PIXEL", "MOVE", "ITEM", "BUTTON", "PICTURE", "UNDERLAY", "UNDO", "REDO"};
+  const std::string w = fmt::upper(fmt::trimmed(word));
+  for (std::string_view candidate : words)
+    if (w == candidate) return true;
+  return false;
+}
+
 void DOSPEC(std::string_view word, bool disabled) {
   const std::string command = fmt::upper(fmt::trimmed(word));
   bool status = false;
@@ -376,6 +396,8 @@ void DOSPEC(std::string_view word, bool disabled) {
     PUTSCN("{csb");
     const char* shell = std::getenv("SHELL");
     OPSYIF((shell && *shell) ? shell : "/bin/sh", status);
+  } else if (graphicEventWord(command.substr(0, command.find(' ')))) {
+    ERRSCN("Only available in graphic mode");
   } else {
     ERRSCN("Unknown special command: " + literal(command) +
            "{nwl{nwl{greUse #? to see information about special commands");

@@ -20,6 +20,12 @@
 //   GTLOGV  fetch logical values
 //   CVYESN  convert a yes/no word
 //   NOABRT  "No abort possibility"
+//   RDGIVN  take a line read elsewhere (the graphics window) as the answer
+//
+// In graphic mode a line may also be a graphic event: "#pick", "#pixel",
+// "#move", "#item", "#button", "#picture", "#underlay", "#undo", "#redo".
+// The graphic dialogue takes those as answers before they reach the line
+// language; anywhere else they answer "Only available in graphic mode".
 //
 // A line is good until the next read: between a read and the GT routines
 // nothing else may read, since the position in the line is shared. A special
@@ -114,6 +120,13 @@ int CVYESN(std::string_view word, bool& status);
 
 // NOABRT: tell the user that this question cannot be aborted.
 void NOABRT();
+
+// RDGIVN: as RDPROM, for a line that was read elsewhere: checks its form,
+// acts on help, abort and special commands, and keeps it for the GT routines.
+void RDGIVN(std::string_view line, int expected, Answer& answer, bool& status);
+
+// graphicEventWord: true for the words of the graphic event lines (any case).
+bool graphicEventWord(std::string_view word);
 
 // The line most recently read, as typed (tests and the log).
 const std::string& currentInputLine();

@@ -178,6 +178,10 @@ void logEntry(int level, std::string_view kind, std::string_view text) {
   logFile().writeLine(std::string(kind) + ": " + fmt::stripped(plain));
 }
 
+void LGNOTE(std::string_view text) {
+  if (program().logOpen) logFile().writeLine(std::string(text));
+}
+
 void PRBANR(std::string_view first, std::string_view second) {
   // The two texts travel with the call; the console banner shows the logo.
   (void)first;

@@ -11,6 +11,7 @@
 //   IZPGIO  file units, device defaults and the terminal set-up
 //   OPLGFL  open the log and write the start line
 //   CLLGFL  write the closing lines and close the log
+//   LGNOTE  write one line of information to the log, when it is open
 //   LDPJTP  read the hand-over file (execution mode, project)
 //   STPJTP  write the hand-over file
 //   PRBANR  show the banner for the configured time
@@ -46,6 +47,8 @@ inline constexpr int LogMessagesAndInputs = 3;
 // written when the log is open and its level reaches `level`. Formatting
 // tokens are left out.
 void logEntry(int level, std::string_view kind, std::string_view text);
+// LGNOTE: a note in the log as it stands, when the log is open.
+void LGNOTE(std::string_view text);
 void LDPJTP(bool& status);
 void STPJTP(int mode, bool& status);
 void PRBANR(std::string_view first, std::string_view second);

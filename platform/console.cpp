@@ -655,6 +655,11 @@ void lendTerminal(bool toChild) {
 
 void writeStandardOutput(std::string_view text) { rawWrite(text); }
 
+bool consoleInputBuffered() {
+  const Console& c = con();
+  return c.memory || c.pendingByte != -2;
+}
+
 bool consoleIsTerminal() { return !con().memory && con().outputTerminal; }
 
 namespace testconsole {

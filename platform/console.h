@@ -79,6 +79,10 @@ void writeStandardOutput(std::string_view text);
 // True when the console is a real terminal that takes escape sequences.
 bool consoleIsTerminal();
 
+// True when a read of the console will not wait on standard input: a byte
+// was read ahead, or the memory console stands in (its reads never wait).
+bool consoleInputBuffered();
+
 // The memory console used by tests.
 namespace testconsole {
 

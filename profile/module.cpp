@@ -13,10 +13,12 @@
 #include "framework/text.h"
 #include "graphics/hardcopy.h"
 #include "graphics/plotstate.h"
+#include "graphics/view.h"
 #include "platform/console.h"
 #include "profile/block.h"
 #include "profile/curveinput.h"
 #include "profile/datafile.h"
+#include "profile/manipulate.h"
 #include "profile/plot.h"
 #include "profile/printout.h"
 
@@ -123,6 +125,8 @@ int KNTRMN() {
   }
   RSKNTR(status);
   if (status) return 1;
+  // The views start from their defaults: a fixed view of the plane.
+  graphics::resetViewState();
 
   // The module starts in terminal mode.
   program.terminalInput = true;
@@ -188,8 +192,10 @@ void MNKNTR(bool& status) {
       case ManipulateRow:
         if (!p.BBOXOK)
           framework::ERRSCN("Bounding box must be given before creating profile!");
-        else
-          notInThisVersion();
+        else {
+          MNPRCV(st);
+          if (!st) p.MODFLG = true;
+        }
         break;
       case PrintRow: {
         // Where to, then the printout; a job that fails is thrown away.

@@ -1,0 +1,170 @@
+#include "profile/manipulate.h"
+
+#include <array>
+#include <string>
+
+#include "framework/format.h"
+#include "framework/menus.h"
+#include "framework/state.h"
+#include "framework/text.h"
+#include "graphics/dialogue.h"
+#include "graphics/plotstate.h"
+#include "graphics/view.h"
+#include "profile/block.h"
+#include "profile/display.h"
+#include "profile/module.h"
+
+namespace kntr::profile {
+
+namespace {
+
+namespace fw = framework;
+namespace gr = graphics;
+
+void notInThisVersion() {
+  fw::ERRSCN("Not implemented in this version{nwl{gre(version is " +
+             std::string(fmt::trimmed(fw::program().SPVERS)) + ")");
+}
+
+// The picture in the window: the profile's picture, and the frame drawn
+// again after an erase (the display rectangle reaches into it).
+void picture(bool erase, bool rescale, bool& status) {
+  DPKNTR(erase, rescale, status);
+  if (erase) gr::GWFRAM();
+}
+
+void redraw(bool& status) {
+  picture(true, false, status);
+  if (!status) picture(false, false, status);
+  gr::flushPlot();
+}
+
+// The rows of "PROFILE MANIPULATION" as the profile stands.
+std::array<std::string, 12> manipulationRows() {
+  const ProfileData& p = profile();
+  const bool curves = p.NPRCRV > 0;
+  return {"Next profile{ncurve as current",
+          "------",
+          p.NPRCRV >= MaxCurves ? "(Create{nprofile curve)" : "Create{nprofile curve",
+          curves ? "Modify{nprofile curve" : "(Modify{nprofile curve)",
+          curves ? "Delete current{nprofile curve" : "(Delete current{nprofile curve)",
+          "------",
+          "Modify entire{nprofile",
+          p.SNAPOK ? "Modify{nsnap line" : "Create{nsnap line",
+          curves ? "Export{ninterior mesh" : "(Export{ninterior mesh)",
+          "Graphic setup",
+          "Display{noptions",
+          "RETURN{n------"};
+}
+
+}  // namespace
+
+void MNPRCV(bool& status) {
+  status = false;
+  ProfileData& p = profile();
+  p.CURPNT = 1;
+  // The view: the box, flat in z.
+  bool failed = false;
+  gr::SPBBOX(p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4), 0.0, 0.0, failed);
+  gr::OPNWIN(picture, failed);
+  if (failed) {
+    status = true;
+    return;
+  }
+  fw::program().terminalInput = false;
+  picture(false, true, status);
+  gr::flushPlot();
+  for (;;) {
+    const auto rows = manipulationRows();
+    int selection = 12;
+    bool abort = false;
+    gr::GSELCT("PROFILE MANIPULATION", rows, "Select item", "", selection, abort);
+    if (abort || selection == 12) break;
+    bool st = false;
+    switch (selection) {
+      case 1:
+        if (p.NPRCRV > 1) {
+          p.CURCRV = p.CURCRV >= p.NPRCRV ? 1 : p.CURCRV + 1;
+          redraw(st);
+        }
+        break;
+      case 3:
+        if (p.NPRCRV >= MaxCurves)
+          fw::ERRSCN("Max number of profile curves reached!");
+        else
+          notInThisVersion();
+        break;
+      case 4:
+      case 7:
+        if (p.NPRCRV == 0)
+          fw::ERRSCN("No profile curves to modify!");
+        else
+          notInThisVersion();
+        break;
+      case 5:
+        if (p.NPRCRV == 0)
+          fw::ERRSCN("No profile curves to delete!");
+        else
+          notInThisVersion();
+        break;
+      case 8:
+        notInThisVersion();
+        break;
+      case 9:
+        if (p.NPRCRV == 0)
+          fw::ERRSCN("No profile curves available!");
+        else
+          notInThisVersion();
+        break;
+      case 10:
+        gr::GVWMNU(st);
+        break;
+      case 11:
+        MNDISP(st);
+        break;
+      default:
+        break;
+    }
+  }
+  gr::CLSWIN();
+  fw::program().terminalInput = true;
+}
+
+void MNDISP(bool& status) {
+  status = false;
+  const std::array<std::string, 5> rows{"Spline{ncontrol", "Meshing{ncontrol", "Display{ncontrol",
+                                        "Hardcopy", "RETURN"};
+  for (;;) {
+    int selection = 5;
+    bool abort = false;
+    gr::GSELCT("DISPLAY OPTIONS", rows, "Select item", "", selection, abort);
+    if (abort || selection == 5) return;
+    if (selection == 3) {
+      CTDISP(status);
+      if (status) return;
+    } else {
+      notInThisVersion();
+    }
+  }
+}
+
+void CTDISP(bool& status) {
+  status = false;
+  ProfileData& p = profile();
+  for (;;) {
+    const std::array<std::string, 2> rows{"Grid " + fw::logicalStateText(p.SHOWGR), "RETURN"};
+    int selection = 2;
+    bool abort = false;
+    gr::GSELCT("DISPLAY CONTROL", rows, "Select item", "", selection, abort);
+    if (abort || selection == 2) return;
+    // Erase, flip, draw; a failing picture ends the menu.
+    picture(true, false, status);
+    if (status) return;
+    p.SHOWGR = !p.SHOWGR;
+    picture(false, false, status);
+    gr::flushPlot();
+    if (status) return;
+  }
+}
+
+}  // namespace kntr::profile
