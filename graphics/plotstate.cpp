@@ -547,6 +547,16 @@ void GPOLY2(int n, const double* x, const double* y) {
   GINIT(2);
 }
 
+void GFILL2(int n, const double* x, const double* y) {
+  if (n < 3 || n > MaxFillPoints || !drawable()) return;
+  static const int plgfcl = integerIndex("plgfcl");
+  setDeviceColour(attributes().integers[plgfcl]);
+  double xy[2 * MaxFillPoints];
+  for (int k = 0; k < n; ++k) worldToDevice(x[k], y[k], xy[2 * k], xy[2 * k + 1]);
+  device()->polygon(n, xy);
+  devicePen().known = false;
+}
+
 void GCLEAR(std::string_view name) {
   std::string n(name);
   for (char& c : n) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));

@@ -24,6 +24,7 @@
 //   GMOVE2  move the pen
 //   GDRAW2  draw a line from the pen in the line colour
 //   GPOLY2  draw a polyline in the line colour
+//   GFILL2  fill a polygon in the polygon fill colour
 //   GMARK2  draw a marker at the pen in the marker colour
 //   GWTEXT  draw a text at the pen with the text attributes
 //   GCLEAR  clear a named rectangle
@@ -61,6 +62,8 @@ inline constexpr int ClipScale = 5;
 
 // Markers and text classes.
 inline constexpr int MaxMarkers = 32;
+// Points of one filled polygon.
+inline constexpr int MaxFillPoints = 100;
 
 struct Rectangle {
   double xmin = 0.0, xmax = 1.0, ymin = 0.0, ymax = 1.0;
@@ -133,6 +136,9 @@ void GMOVE2(double x, double y);
 void GDRAW2(double x, double y);
 // GPOLY2: a polyline through n points in `lincol`; the pen ends at the last.
 void GPOLY2(int n, const double* x, const double* y);
+// GFILL2: the polygon of n points filled in `plgfcl` (at most
+// MaxFillPoints points); the pen stays where it was.
+void GFILL2(int n, const double* x, const double* y);
 // GMARK2: marker `kind` at the pen in `mrkcol`.
 void GMARK2(int kind);
 // GWTEXT: a text at the pen with the text class's attributes; trailing

@@ -71,6 +71,8 @@ struct ProfileData {
   bool SHOWCP = false;             // control polygon selected for drawing
   bool SHOWLS = true;              // curves drawn with line strokes
   bool SHOWGR = true;              // grid of the graphics window drawn
+  bool SHOWCB = false;             // curvature comb of each spline curve drawn
+  bool MESHQC = false;             // mesh triangles coloured by their quality
 
   // Per curve.
   Array1<int, MaxCurves> NPRPNT{};       // number of points

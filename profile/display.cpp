@@ -8,6 +8,7 @@
 #include "graphics/plotstate.h"
 #include "mesher/driver.h"
 #include "mesher/limits.h"
+#include "platform/drawing.h"
 #include "profile/block.h"
 #include "profile/module.h"
 #include "profile/polylines.h"
@@ -198,9 +199,118 @@ void PLMESH(bool erase, bool& status) {
                  m.numVertices, View1<XY>(m.vertices), m.numTriangles,
                  View1<mesher::Triangle>(m.triangles), status);
   if (status) return;
-  drawMesh(View1<const XY>(m.vertices.data(), m.numVertices),
-           View1<const mesher::Triangle>(m.triangles.data(), m.numTriangles),
-           erase ? EraseColour : MeshColour);
+  const View1<const XY> vertices(m.vertices.data(), m.numVertices);
+  const View1<const mesher::Triangle> triangles(m.triangles.data(), m.numTriangles);
+  if (profile().MESHQC)
+    drawMeshQuality(vertices, triangles, View1<const double>(m.quality.data(), m.numTriangles),
+                    erase);
+  drawMesh(vertices, triangles, erase ? EraseColour : MeshColour);
+}
+
+void drawMeshQuality(View1<const XY> vertices, View1<const mesher::Triangle> triangles,
+                     View1<const double> quality, bool erase) {
+  bool failed = false;
+  // each triangle in the ramp's colour of its quality
+  graphics::GPALET(erase ? 1 : 2);
+  const int top = platform::PaletteColours - 1;
+  for (int t = 1; t <= triangles.size(); ++t) {
+    const mesher::Triangle& tri = triangles(t);
+    double x[3], y[3];
+    for (int k = 0; k < 3; ++k) {
+      x[k] = vertices(tri(k + 1)).x;
+      y[k] = vertices(tri(k + 1)).y;
+    }
+    const int colour =
+        erase ? EraseColour : static_cast<int>(std::lround(std::clamp(quality(t), 0.0, 1.0) * top));
+    graphics::GSETIN("plgfcl", colour, failed);
+    graphics::GFILL2(3, x, y);
+  }
+  // the legend: the ramp from 0 to 1 up the right edge of the margin
+  const graphics::Rectangle m = graphics::plotState().margin;
+  const double w = 0.02 * (m.xmax - m.xmin), h = 0.4 * (m.ymax - m.ymin) / top;
+  const double x0 = m.xmax - w, y0 = m.ymin;
+  for (int k = 0; k <= top; ++k) {
+    const double x[4] = {x0, x0 + w, x0 + w, x0};
+    const double y[4] = {y0 + k * h, y0 + k * h, y0 + (k + 1) * h, y0 + (k + 1) * h};
+    graphics::GSETIN("plgfcl", erase ? EraseColour : k, failed);
+    graphics::GFILL2(4, x, y);
+  }
+  graphics::GPALET(1);
+  graphics::GTSIZE(LabelSize, failed);
+  GCOLOR(erase ? EraseColour : PointColour);
+  for (const char* label : {"0.0", "0.5", "1.0"}) {
+    const double at = label[0] == '1' ? 1.0 : label[2] == '5' ? 0.5 : 0.0;
+    graphics::GLORG(8);
+    GMOVE2(x0 - 0.5 * w, y0 + at * (top + 1) * h);
+    graphics::GWTEXT(label);
+  }
+}
+
+void combSpikes(int c, double scale, int& count, View1<XY> bases, View1<XY> tips, bool& status) {
+  status = false;
+  count = 0;
+  const ProfileData& p = profile();
+  ProfilePolylines& lines = polylines();
+  IQPPOL(MaxCurves, MaxPolylinePoints, lines, status);
+  if (status || c < 1 || c > lines.curves) return;
+  const int n = lines.points(c);
+  const bool closed = p.PRCLSD(c);
+  if (n < 3) return;
+  // polyline points that stand for knuckles are corners: no curvature there
+  static Array1<bool, MaxPolylinePoints> corner;
+  for (int i = 1; i <= n; ++i) corner(i) = false;
+  for (int j = 1; j <= p.NPRPNT(c); ++j)
+    if (p.PRPTYP(c, j) == Knuckle) corner(lines.index(c, j)) = true;
+  for (int i = 1; i <= n; ++i) {
+    if (!closed && (i == 1 || i == n)) continue;
+    if (corner(i) || count >= bases.size()) continue;
+    const XY& a = lines.xy(c, i > 1 ? i - 1 : n);
+    const XY& b = lines.xy(c, i);
+    const XY& d = lines.xy(c, i < n ? i + 1 : 1);
+    // curvature of the circle through three neighbours, signed by the turn
+    const double ux = b.x - a.x, uy = b.y - a.y, vx = d.x - b.x, vy = d.y - b.y;
+    const double wx = d.x - a.x, wy = d.y - a.y;
+    const double lu = std::hypot(ux, uy), lv = std::hypot(vx, vy), lw = std::hypot(wx, wy);
+    if (lu == 0.0 || lv == 0.0 || lw == 0.0) continue;
+    const double k = 2.0 * (ux * vy - uy * vx) / (lu * lv * lw);
+    // the spike stands on the side away from the centre of curvature
+    const double nx = -wy / lw, ny = wx / lw;
+    ++count;
+    bases(count) = b;
+    tips(count) = XY{b.x - scale * k * nx, b.y - scale * k * ny};
+  }
+}
+
+void PLCOMB(bool erase, bool& status) {
+  status = false;
+  const ProfileData& p = profile();
+  if (p.PRFTYP != SplineProfile || p.NPRCRV == 0) return;
+  static Array1<XY, MaxPolylinePoints> bases, tips;
+  // one scale for the picture: the sharpest bend gets the tallest spike
+  double largest = 0.0;
+  for (int c = 1; c <= p.NPRCRV; ++c) {
+    int count = 0;
+    combSpikes(c, 1.0, count, View1<XY>(bases), View1<XY>(tips), status);
+    if (status) return;
+    for (int i = 1; i <= count; ++i)
+      largest = std::max(largest, std::hypot(tips(i).x - bases(i).x, tips(i).y - bases(i).y));
+  }
+  if (largest == 0.0) return;
+  const graphics::Rectangle m = graphics::plotState().margin;
+  const double scale = CombHeight * std::max(m.xmax - m.xmin, m.ymax - m.ymin) / largest;
+  GCOLOR(erase ? EraseColour : CombColour);
+  for (int c = 1; c <= p.NPRCRV; ++c) {
+    int count = 0;
+    combSpikes(c, scale, count, View1<XY>(bases), View1<XY>(tips), status);
+    if (status) return;
+    for (int i = 1; i <= count; ++i) {
+      GMOVE2(bases(i).x, bases(i).y);
+      GDRAW2(tips(i).x, tips(i).y);
+    }
+    // the tips joined
+    if (count > 0) GMOVE2(tips(1).x, tips(1).y);
+    for (int i = 2; i <= count; ++i) GDRAW2(tips(i).x, tips(i).y);
+  }
 }
 
 void drawMesh(View1<const XY> vertices, View1<const mesher::Triangle> triangles, int colour) {
@@ -238,6 +348,10 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
   }
   PLPRCV(0, false, status);
   if (status) return;
+  if (p.SHOWCB) {
+    PLCOMB(false, status);
+    if (status) return;
+  }
   if (p.SNAPOK) {
     lineAcrossBox(p.SNAPLN, SnapLineColour);
     bool failed = false;

@@ -6,6 +6,7 @@
 //   DPKNTR  the whole picture: erase it, or (rescaled to the box) draw it
 //   PLPRCV  the curves, their points and labels, and the reference point
 //   PLMESH  the interior mesh
+//   PLCOMB  the curvature comb of the spline curves
 //   drawMesh  draw given triangles as the mesh is drawn
 //   pointLabel  the label of a point: its type letters and its number
 //   REDRAW  erase and draw the whole picture
@@ -32,6 +33,10 @@ inline constexpr int SnapEndColour = 5;
 inline constexpr int HelpLineColour = 3;
 inline constexpr int InsertMarkColour = 3;
 inline constexpr int MeshColour = 3;
+inline constexpr int CombColour = 10;
+// The tallest spike of the curvature comb, as a share of the larger side of
+// the view.
+inline constexpr double CombHeight = 0.08;
 
 // Marks.
 inline constexpr int PointMark = 1;
@@ -52,8 +57,19 @@ void DPKNTR(bool erase, bool rescale, bool& status);
 void PLPRCV(int curve, bool erase, bool& status);
 // PLMESH: the interior mesh, in the background colour when `erase`.
 void PLMESH(bool erase, bool& status);
+// PLCOMB: at each polyline point of each spline curve a spike along the
+// normal, as long as the curvature there times one scale for the whole
+// picture, the tips joined; in the background colour when `erase`.
+void PLCOMB(bool erase, bool& status);
+// combSpikes: the spikes of curve c as base and tip points, `count` of them
+// (knuckle corners have none); the scale maps curvature to length.
+void combSpikes(int c, double scale, int& count, View1<XY> bases, View1<XY> tips, bool& status);
 // drawMesh: triangles over the vertices, each as its closed outline.
 void drawMesh(View1<const XY> vertices, View1<const mesher::Triangle> triangles, int colour);
+// drawMeshQuality: triangles filled in the colour of their quality on the
+// ramp (poor red to good blue), with the ramp's legend.
+void drawMeshQuality(View1<const XY> vertices, View1<const mesher::Triangle> triangles,
+                     View1<const double> quality, bool erase);
 // pointLabel: "K12", "k3", "TL4", "7", ... for point j of curve c.
 std::string pointLabel(int c, int j);
 // REDRAW: DPKNTR erase, then DPKNTR draw.

@@ -37,6 +37,8 @@ void IZKNTR(bool& status) {
   p.SHOWCP = false;
   p.SHOWLS = true;
   p.SHOWGR = true;
+  p.SHOWCB = false;
+  p.MESHQC = false;
 }
 
 void RSKNTR(bool& status) {

@@ -16,7 +16,8 @@ namespace kntr::tool {
 namespace {
 
 const char* const plotUsage =
-    "plot FILE [--size WxH] [--mesh N] [--grid|--no-grid] (--png|--svg|--pdf) OUT";
+    "plot FILE [--size WxH] [--mesh N] [--quality] [--comb] [--grid|--no-grid] "
+    "(--png|--svg|--pdf) OUT";
 
 // Room around the box for the grid's numbers.
 constexpr double PlotMargin = 0.08;
@@ -35,7 +36,7 @@ bool parseSize(const std::string& text, int& width, int& height) {
 int plotCommand(const Arguments& arguments) {
   if (arguments.empty()) return usage(plotUsage);
   int width = 1280, height = 960, triangles = 0;
-  bool grid = true;
+  bool grid = true, comb = false, quality = false;
   platform::PictureKind kind = platform::PictureKind::None;
   std::string out;
   for (std::size_t k = 1; k < arguments.size(); ++k) {
@@ -45,6 +46,10 @@ int plotCommand(const Arguments& arguments) {
       if (!parseSize(arguments[++k], width, height)) return usage(plotUsage);
     } else if (option == "--mesh" && hasValue) {
       if (!parseInteger(arguments[++k], triangles) || triangles < 1) return usage(plotUsage);
+    } else if (option == "--comb") {
+      comb = true;
+    } else if (option == "--quality") {
+      quality = true;
     } else if (option == "--grid") {
       grid = true;
     } else if (option == "--no-grid") {
@@ -65,6 +70,8 @@ int plotCommand(const Arguments& arguments) {
   profile::ProfileData& p = profile::profile();
   if (!p.BBOXOK) return fail("The profile has no bounding box: nothing to plot");
   p.SHOWGR = grid;
+  p.SHOWCB = comb;
+  p.MESHQC = quality;
   if (triangles > 0) {
     p.MESHON = true;
     p.MESHDN = triangles;

@@ -47,7 +47,8 @@ const char* const usageText =
     "                 [--global] [--restraint D] [--iterations N] -o OUT\n"
     "       kntr-tool mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT]\n"
     "                 [--plain OUT]\n"
-    "       kntr-tool plot FILE [--size WxH] [--mesh N] [--grid|--no-grid] (--png|--svg|--pdf) OUT\n";
+    "       kntr-tool plot FILE [--size WxH] [--mesh N] [--quality] [--comb] [--grid|--no-grid]\n"
+    "                 (--png|--svg|--pdf) OUT\n";
 
 }  // namespace
 

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
+#include <vector>
 
 #include "graphics/plotstate.h"
 #include "graphics/strokes.h"
 #include "platform/cairodevice.h"
+#include "profile/polylines.h"
 #include "support/curve_builder.h"
 
 namespace kntr::profile {
@@ -103,6 +106,53 @@ TEST_F(Picture, EveryPointTypeHasItsLabel) {
   p.PRKWGT(1, 2) = 0.5;
   const char* labels[9] = {"K1", "k2", "3", "TL4", "TT5", "TB6", "TE7", "SL8", "ST9"};
   for (int j = 1; j <= 9; ++j) EXPECT_EQ(pointLabel(1, j), labels[j - 1]);
+}
+
+TEST_F(Picture, CombSpikesFollowTheCurvature) {
+  // a circle through 16 points of continuous curvature, and a straight curve
+  std::vector<XY> circle;
+  for (int j = 0; j < 16; ++j) {
+    const double a = 2.0 * 3.141592653589793 * j / 16.0;
+    circle.push_back(XY{5.0 + 3.0 * std::cos(a), 5.0 + 3.0 * std::sin(a)});
+  }
+  kntr::testing::addCurve(circle, true);
+  kntr::testing::addCurve({{1.0, 9.0}, {3.0, 9.5}, {5.0, 10.0}}, false);
+  static Array1<XY, MaxPolylinePoints> bases, tips;
+  int count = 0;
+  bool status = false;
+  combSpikes(1, 1.0, count, View1<XY>(bases), View1<XY>(tips), status);
+  ASSERT_FALSE(status);
+  ASSERT_GT(count, 16);
+  double shortest = HUGE_VAL, longest = 0.0;
+  for (int i = 1; i <= count; ++i) {
+    const double length = std::hypot(tips(i).x - bases(i).x, tips(i).y - bases(i).y);
+    shortest = std::min(shortest, length);
+    longest = std::max(longest, length);
+    // outward, away from the centre
+    EXPECT_GT(std::hypot(tips(i).x - 5.0, tips(i).y - 5.0), 3.0 - 1e-9);
+  }
+  EXPECT_NEAR(longest, 1.0 / 3.0, 0.03 / 3.0);  // curvature of radius 3
+  EXPECT_LT((longest - shortest) / longest, 0.03);
+  combSpikes(2, 1.0, count, View1<XY>(bases), View1<XY>(tips), status);
+  for (int i = 1; i <= count; ++i)
+    EXPECT_LT(std::hypot(tips(i).x - bases(i).x, tips(i).y - bases(i).y), 1e-9);
+
+  // the picture with the comb differs from the one without
+  auto differs = [&] {
+    auto other = platform::CairoDevice::image(640, 480);
+    graphics::attachDevice(graphics::DeviceWindow, other.get());
+    profile().SHOWCB = true;
+    DPKNTR(false, true, status);
+    graphics::attachDevice(graphics::DeviceWindow, device.get());
+    profile().SHOWCB = false;
+    DPKNTR(false, true, status);
+    int changed = 0;
+    for (int py = 0; py < 480; py += 2)
+      for (int px = 0; px < 640; px += 2)
+        changed += !same(device->pixel(px, py), other->pixel(px, py));
+    return changed;
+  };
+  EXPECT_GT(differs(), 20);
 }
 
 }  // namespace
