@@ -11,6 +11,7 @@
 #include "graphics/plotstate.h"
 #include "graphics/view.h"
 #include "profile/block.h"
+#include "profile/controls.h"
 #include "profile/display.h"
 #include "profile/module.h"
 
@@ -139,12 +140,16 @@ void MNDISP(bool& status) {
     bool abort = false;
     gr::GSELCT("DISPLAY OPTIONS", rows, "Select item", "", selection, abort);
     if (abort || selection == 5) return;
-    if (selection == 3) {
+    if (selection == 1) {
+      CTSPLN(status);
+    } else if (selection == 2) {
+      CTMESH(status);
+    } else if (selection == 3) {
       CTDISP(status);
-      if (status) return;
     } else {
       notInThisVersion();
     }
+    if (status) return;
   }
 }
 
@@ -152,15 +157,18 @@ void CTDISP(bool& status) {
   status = false;
   ProfileData& p = profile();
   for (;;) {
-    const std::array<std::string, 2> rows{"Grid " + fw::logicalStateText(p.SHOWGR), "RETURN"};
-    int selection = 2;
+    const std::array<std::string, 3> rows{"Grid " + fw::logicalStateText(p.SHOWGR),
+                                          "Curvature{ncomb " + fw::logicalStateText(p.SHOWCB),
+                                          "RETURN"};
+    int selection = 3;
     bool abort = false;
     gr::GSELCT("DISPLAY CONTROL", rows, "Select item", "", selection, abort);
-    if (abort || selection == 2) return;
+    if (abort || selection == 3) return;
     // Erase, flip, draw; a failing picture ends the menu.
     picture(true, false, status);
     if (status) return;
-    p.SHOWGR = !p.SHOWGR;
+    bool& flag = selection == 1 ? p.SHOWGR : p.SHOWCB;
+    flag = !flag;
     picture(false, false, status);
     gr::flushPlot();
     if (status) return;
