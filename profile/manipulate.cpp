@@ -14,6 +14,7 @@
 #include "profile/controls.h"
 #include "profile/display.h"
 #include "profile/module.h"
+#include "profile/wholeprofile.h"
 
 namespace kntr::profile {
 
@@ -96,11 +97,16 @@ void MNPRCV(bool& status) {
           notInThisVersion();
         break;
       case 4:
-      case 7:
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves to modify!");
         else
           notInThisVersion();
+        break;
+      case 7:
+        if (p.NPRCRV == 0)
+          fw::ERRSCN("No profile curves to modify!");
+        else
+          MDKNTR(st);
         break;
       case 5:
         if (p.NPRCRV == 0)
@@ -108,9 +114,12 @@ void MNPRCV(bool& status) {
         else
           notInThisVersion();
         break;
-      case 8:
-        notInThisVersion();
+      case 8: {
+        int item = 0;
+        bool cancel = false;
+        INSNAP(item, cancel, st);
         break;
+      }
       case 9:
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves available!");
