@@ -13,6 +13,7 @@
 #include "profile/block.h"
 #include "profile/controls.h"
 #include "profile/display.h"
+#include "profile/meshexport.h"
 #include "profile/module.h"
 #include "profile/wholeprofile.h"
 
@@ -124,7 +125,7 @@ void MNPRCV(bool& status) {
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves available!");
         else
-          notInThisVersion();
+          XPMESH(st);
         break;
       case 10:
         gr::GVWMNU(st);
