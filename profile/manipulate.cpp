@@ -13,6 +13,8 @@
 #include "profile/block.h"
 #include "profile/controls.h"
 #include "profile/display.h"
+#include "profile/curvecreate.h"
+#include "profile/curveinput.h"
 #include "profile/meshexport.h"
 #include "profile/module.h"
 #include "profile/wholeprofile.h"
@@ -95,7 +97,7 @@ void MNPRCV(bool& status) {
         if (p.NPRCRV >= MaxCurves)
           fw::ERRSCN("Max number of profile curves reached!");
         else
-          notInThisVersion();
+          CRPRCV(st);
         break;
       case 4:
         if (p.NPRCRV == 0)
@@ -110,10 +112,18 @@ void MNPRCV(bool& status) {
           MDKNTR(st);
         break;
       case 5:
-        if (p.NPRCRV == 0)
+        if (p.NPRCRV == 0) {
           fw::ERRSCN("No profile curves to delete!");
-        else
-          notInThisVersion();
+        } else {
+          picture(true, false, st);
+          if (st) break;
+          RMPRCV(p.CURCRV, st);
+          if (st) break;
+          if (p.CURCRV > 1) --p.CURCRV;
+          p.MODFLG = true;
+          picture(false, false, st);
+          gr::flushPlot();
+        }
         break;
       case 8: {
         int item = 0;
