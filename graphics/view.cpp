@@ -517,11 +517,12 @@ void GPANBY(double dx, double dy, bool& failed) {
   drawAfterChange(failed);
 }
 
-void GDIGIT(std::string_view prompt, int& code, double& x, double& y, std::string_view deflt) {
+void GDIGIT(std::string_view prompt, int& code, double& x, double& y, std::string_view deflt,
+            int fields) {
   GraphicAnswer answer;
   bool abort = false, status = false;
   code = 0;
-  GQUEST(prompt, deflt, "", 2, answer, abort, status);
+  GQUEST(prompt, deflt, "", fields, answer, abort, status);
   if (abort || status) return;
   code = answer.kind == PositionInput ? 3 : answer.kind;
   if (answer.kind == PositionInput) {
@@ -530,7 +531,7 @@ void GDIGIT(std::string_view prompt, int& code, double& x, double& y, std::strin
   } else if (answer.kind == KeyboardInput) {
     std::array<double, 2> values{x, y};
     bool deflt = false, bad = false;
-    framework::GTREAL(values, deflt, bad);
+    framework::GTREAL(std::span<double>(values.data(), fields), deflt, bad);
     if (bad) {
       code = 0;
       return;
@@ -594,7 +595,7 @@ void DGSCAL(int plane, int mode, int menuState, bool& failed) {
     if (code == 0) { v = saved; return; }
     double value = v.X1, unused = 0;
     GDIGIT(std::string("Input the corresponding ") + abscissa + "-coordinate [m]", code, value,
-           unused);
+           unused, "", 1);
     if (code == 0) { v = saved; return; }
     if (code != 1) { ERRSCN("(DGSCAL) Coordinate must be keyed in!"); continue; }
     if (value == v.X1) {
@@ -608,7 +609,7 @@ void DGSCAL(int plane, int mode, int menuState, bool& failed) {
     if (code == 0) { v = saved; return; }
     value = v.Y1;
     GDIGIT(std::string("Input the corresponding ") + ordinate + "-coordinate [m]", code, value,
-           unused);
+           unused, "", 1);
     if (code == 0) { v = saved; return; }
     if (code != 1) { ERRSCN("(DGSCAL) Coordinate must be keyed in!"); continue; }
     v.Y3 = value;

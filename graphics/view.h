@@ -119,7 +119,7 @@ void zoomAbout(double cx, double cy, bool in, bool& failed);
 // `deflt` is the text shown as the default of keyboard input (an empty line
 // keeps x and y as preset).
 void GDIGIT(std::string_view prompt, int& code, double& x, double& y,
-            std::string_view deflt = "");
+            std::string_view deflt = "", int fields = 2);
 // GDIGPT: digitize from the pen; the pen ends at the result when status 0.
 void GDIGPT(int& status, double& x, double& y);
 void DGSCAL(int plane, int mode, int menuState, bool& failed);

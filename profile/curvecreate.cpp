@@ -256,6 +256,7 @@ void DGPRCV(bool& status) {
     return;
   }
   fw::program().terminalInput = false;
+  gr::setUnderlayHandler(UNDRLY);
   windowPicture(false, true, status);
   gr::flushPlot();
   if (!status) digitizingMenu(status);
@@ -269,13 +270,28 @@ void digitizingMenu(bool& status) {
   ProfileData& p = profile();
   bool scaled = false;
   for (;;) {
-    const std::array<std::string, 3> rows{
+    const std::array<std::string, 4> rows{
         "Scale{ndigitizer", scaled ? "Create{nprofile curve" : "(Create{nprofile curve)",
-        "RETURN"};
-    int selection = 3;
+        "Drawing{nunderlay", "RETURN"};
+    int selection = 4;
     bool abort = false;
     gr::GSELCT("PROFILE DIGITIZING", rows, "Select item", "", selection, abort);
-    if (abort || selection == 3) return;
+    if (abort || selection == 4) return;
+    if (selection == 3) {
+      // a scanned drawing under the plot, to digitize off
+      gr::GraphicAnswer answer;
+      bool cancel = false, failed = false;
+      gr::GQUEST("Input name of drawing (PNG) to show under the plot, or none",
+                 underlayFile().empty() ? " " : underlayFile(),
+                 "The drawing fills the bounding box; calibrate the digitizer on its known points",
+                 1, answer, cancel, failed);
+      if (cancel || failed || answer.kind != gr::KeyboardInput) continue;
+      std::array<std::string, 1> name{underlayFile()};
+      bool none = false;
+      fw::GTCHAR(name, fw::InputLineLength, none, failed);
+      if (!failed && !none) UNDRLY(name[0]);
+      continue;
+    }
     if (selection == 1) {
       if (scaled) {
         bool yes = false, cancelled = false;

@@ -77,6 +77,7 @@ void MNPRCV(bool& status) {
     return;
   }
   fw::program().terminalInput = false;
+  gr::setUnderlayHandler(UNDRLY);
   picture(false, true, status);
   gr::flushPlot();
   for (;;) {
