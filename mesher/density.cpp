@@ -619,8 +619,8 @@ void MKCPSZ(MeshData& m, int desiredCount, View1<int> intRoom) {
       const int twin = m.HalfEdge(h).Twin;
       if (twin > 0) {
         const int p = m.HalfEdge(twin).Polygon;
-        if (density(p) < 0.25 * density(t) && place(p) > 0) {
-          density(p) = 0.25 * density(t);
+        if (density(p) < m.GradingShare * density(t) && place(p) > 0) {
+          density(p) = m.GradingShare * density(t);
           rise(place(p));
         }
       }

@@ -14,6 +14,7 @@
 #include "mesher/polygons.h"
 #include "mesher/quality.h"
 #include "mesher/reflex.h"
+#include "mesher/robust.h"
 #include "mesher/triangles.h"
 #include "profile/block.h"
 #include "profile/polylines.h"
@@ -133,6 +134,8 @@ void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVerti
   m.UseDensityFunction = m.UniformShare < 0.0 || m.UniformShare > 1.0;
   m.SmoothTolerance = static_cast<double>(0.001f);
   m.SmoothLimit = 5000;
+  m.StaggeredRows = meshLayout().improved;
+  m.GradingShare = meshLayout().improved ? 1.0 / ImprovedGradingFactor : 0.25;
 
   // HoleList stays at the head of the integer vector while the holes are
   // joined.
@@ -146,6 +149,11 @@ void TRNSM2(int numHoles, View1<const int> polySizes, bool smooth, int& numVerti
   SDCPET(m, DSFUNC, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
   numVertices = m.NumVertices;
   if (status) return;
+  if (m.StaggeredRows) {
+    // An equilateral triangle of side h covers sqrt(3)/4 h^2 where the
+    // size was worked out for h^2 / 2: the same count needs a larger side.
+    for (int p = 1; p <= m.NumPolygons; ++p) m.PolygonSize(p) *= StaggeredSizeFactor;
+  }
   TRMSCP(m, triangles, count, View1<int>(m.IntAux), View1<double>(m.RealAux), status);
   numVertices = m.NumVertices;
   if (status) return;
@@ -333,7 +341,25 @@ void IQPMSH(int maxVertices, int maxTriangles, View1<double> quality, int& numVe
     View1<Triangle> regionTriangles(triangles.data() + numTriangles, maxTriangles - numTriangles);
     int regionVertexCount = 0;
     int count = 0;
-    if (p.MESHAU) {
+    if (p.MESHRB) {
+      // The robust mode: the mesh for the asked count, or the best one found
+      // for the required quality starting from it.
+      const RobustSettings settings{p.MESHLP, p.MESHIM};
+      count = p.MESHDN;
+      if (p.MESHAU) {
+        int iterations = 0;
+        double achieved = 0.0;
+        TRRBA2(MaxAutoIterations, p.MESHQL, numHoles, regionSize, settings, regionVertexCount,
+               regionVertices, count, regionTriangles, iterations, achieved, status);
+        if (status) return;
+        if (achieved < 0.99 * p.MESHQL) framework::ERRSCN("Required mesh quality was not obtained!");
+      } else {
+        framework::PUTSCN("Generating interior mesh...");
+        TRRBM2(numHoles, regionSize, settings, regionVertexCount, regionVertices, count,
+               regionTriangles, status);
+        if (status) return;
+      }
+    } else if (p.MESHAU) {
       int iterations = 0;
       double achieved = 0.0;
       TRASM2(MaxAutoIterations, p.MESHQL, numHoles, regionSize, p.MESHLP, regionVertexCount,

@@ -7,6 +7,11 @@
 
 namespace kntr::mesher {
 
+MeshLayout& meshLayout() {
+  static MeshLayout layout;
+  return layout;
+}
+
 MeshData& meshData() {
   static MeshData data;
   return data;

@@ -23,6 +23,17 @@ inline constexpr int MaxFaces = 10000;
 inline constexpr int MaxVertexFaces = 25;
 inline constexpr int MaxEdgeFaces = 2;
 
+// The improved layout: the largest density factor between neighbouring
+// polygons, and the side of an equilateral triangle of area h^2 / 2 over h,
+// sqrt(2 / sqrt(3)).
+inline constexpr double ImprovedGradingFactor = 1.5;
+inline constexpr double StaggeredSizeFactor = 1.074569931823542;
+
+// Staggered rows: their distance over h, sqrt(3) / 2, and the inset of the
+// row mesh from a polygon's boundary over h.
+inline constexpr double StaggeredRowStep = 0.8660254037844386;
+inline constexpr double StaggeredInset = 0.6;
+
 // pi as the mesher uses it throughout.
 inline constexpr double Pi = 3.141592653589793;
 

@@ -39,6 +39,11 @@ struct MeshData {
   bool UseDensityFunction = false;
   double SmoothTolerance = static_cast<double>(0.001f);
   int SmoothLimit = 5000;
+  // Layout of the triangles: rows of equal spacing h in both directions, or
+  // staggered rows of equilateral triangles; and the least density that a
+  // polygon may have beside a denser neighbour, as a share of that one's.
+  bool StaggeredRows = false;
+  double GradingShare = 0.25;
 
   // The region's vertices (a view on the caller's storage) and counts.
   View1<XY> Vertices;
@@ -71,5 +76,13 @@ struct MeshData {
 
 // The one instance.
 MeshData& meshData();
+
+// The layout that TRNSM2 sets for each region: the plain one, or the
+// improved one of the quality stage (staggered rows, a density that changes
+// by at most a factor of 1.5 from one polygon to the next).
+struct MeshLayout {
+  bool improved = false;
+};
+MeshLayout& meshLayout();
 
 }  // namespace kntr::mesher

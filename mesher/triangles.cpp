@@ -160,7 +160,9 @@ void TRDLCP(int numCorners, View0<const double> cornerX, View0<const double> cor
   const View0<double> offsets = carve0(realRoom, 1, numCorners);
   const View0<double> shrunkX = carve0(realRoom, numCorners + 1, numCorners + 1);
   const View0<double> shrunkY = carve0(realRoom, 2 * numCorners + 2, numCorners + 1);
-  const double inset = h / 1.4142135623730951;
+  // Staggered rows stand closer to one another, and so nearer the boundary.
+  const bool staggered = meshData().StaggeredRows;
+  const double inset = staggered ? StaggeredInset * h : h / 1.4142135623730951;
   for (int i = 0; i < numCorners; ++i) offsets(i) = inset;
   int shrunk = 0;
   SHRNCP(numCorners, cornerX, cornerY, offsets, shrunk, shrunkX, shrunkY,
@@ -178,7 +180,7 @@ void TRDLCP(int numCorners, View0<const double> cornerX, View0<const double> cor
            cyclic(View0<const double>(shrunkY), shrunk), a, b, diameter2, status);
     if (status) return;
     RTCPDM(shrunk, shrunkX, shrunkY, a, b, bottom, cos, sin);
-    const double levels = (shrunkY(0) - shrunkY(bottom)) / h;
+    const double levels = (shrunkY(0) - shrunkY(bottom)) / (staggered ? StaggeredRowStep * h : h);
     const int walkRoom = fits(levels, intRoom.size() / 6) ? 6 * (static_cast<int>(levels) + 1) : 0;
     if (walkRoom == 0 || walkRoom + 1 > intRoom.size()) {
       fail(intMessage, status);
@@ -408,8 +410,12 @@ void TRQUCP(int n, View0<const double> x, View0<const double> y, double h, int b
     fail(vertexMessage, status);
     return;
   }
-  const int rows = static_cast<int>(height / h);
-  const double firstLevel = y(0) - (height - rows * h) / 2.0;
+  // Rows h apart with their points at h; staggered, rows sqrt(3)/2 h apart
+  // with the points of every other row moved by h / 2 on one lattice.
+  const bool staggered = meshData().StaggeredRows;
+  const double step = staggered ? StaggeredRowStep * h : h;
+  const int rows = static_cast<int>(height / step);
+  const double firstLevel = y(0) - (height - rows * step) / 2.0;
 
   // The walk grows at both ends of its room: down the left side from
   // index 0, and up the right side from the last index backward.
@@ -448,7 +454,7 @@ void TRQUCP(int n, View0<const double> x, View0<const double> y, double h, int b
   int l = 0, r = n;
   Row previous;
   for (int row = 0; row <= rows; ++row) {
-    const double level = firstLevel - row * h;
+    const double level = firstLevel - row * step;
     while (l + 1 < bottom && y(l + 1) > level) ++l;
     while (r - 1 > bottom && y(r - 1) > level) --r;
     const double xl = cross(l, l + 1, level);
@@ -457,8 +463,16 @@ void TRQUCP(int n, View0<const double> x, View0<const double> y, double h, int b
       fail(vertexMessage, status);
       return;
     }
-    const int columns = std::max(0, static_cast<int>((xr - xl) / h));
-    const double x0 = xl + ((xr - xl) - columns * h) / 2.0;
+    int columns = std::max(0, static_cast<int>((xr - xl) / h));
+    double x0 = xl + ((xr - xl) - columns * h) / 2.0;
+    if (staggered) {
+      const double anchor = x(0) + (row % 2 == 1 ? 0.5 * h : 0.0);
+      const double k0 = std::ceil((xl - anchor) / h), k1 = std::floor((xr - anchor) / h);
+      if (k1 >= k0) {
+        columns = static_cast<int>(k1 - k0);
+        x0 = anchor + k0 * h;
+      }
+    }
     if (columns + numVertices + 1 > vertices.size()) {
       fail(vertexMessage, status);
       return;

@@ -67,12 +67,15 @@ struct ProfileData {
   bool MESHAU = false;             // the mesh density is set automatically
   int MESHDN = 1000;               // requested number of triangles
   double MESHQL = 0.85;            // required mean mesh quality
+  bool MESHRB = false;             // the mesh is made in the robust mode
+  bool MESHIM = false;             // the robust mode improves the mesh's quality
   bool SHOWIP = false;             // interpolated points drawn as marks
   bool SHOWCP = false;             // control polygon selected for drawing
   bool SHOWLS = true;              // curves drawn with line strokes
   bool SHOWGR = true;              // grid of the graphics window drawn
   bool SHOWCB = false;             // curvature comb of each spline curve drawn
   bool MESHQC = false;             // mesh triangles coloured by their quality
+  bool SHOWSP = false;             // section properties printed with the profile
 
   // Per curve.
   Array1<int, MaxCurves> NPRPNT{};       // number of points

@@ -17,6 +17,7 @@
 #include "framework/state.h"
 #include "framework/text.h"
 #include "profile/block.h"
+#include "profile/exchange.h"
 #include "profile/module.h"
 #include "profile/printout.h"
 
@@ -532,7 +533,7 @@ void FLKNTR(bool& status) {
 
   for (;;) {
     const bool none = p.NPRCRV == 0;
-    const std::array<std::string, 9> rows = {
+    const std::array<std::string, 14> rows = {
         "Load profile(s)",
         "",
         none ? "{NAYSave profile(s)" : "Save profile(s)",
@@ -542,12 +543,17 @@ void FLKNTR(bool& status) {
         "Load backup file",
         "",
         "Reset",
+        "",
+        none ? "{NAYExport profile as DXF" : "Export profile as DXF",
+        none ? "{NAYExport profile as SVG" : "Export profile as SVG",
+        "Import offset table",
+        "Section properties in printout " + fw::logicalStateText(p.SHOWSP),
     };
     bool abort = false, st = false;
     int selection = 0;
     fw::TXMENU("FILE MANIPULATION", rows, static_cast<int>(rows.size()) + 1, "", abort, selection,
                st);
-    if (abort || st || selection < 1 || selection > 6) return;
+    if (abort || st || selection < 1 || selection > 10) return;
 
     switch (selection) {
       case 1: {
@@ -625,6 +631,21 @@ void FLKNTR(bool& status) {
         if (answer) RSKNTR(st);
         break;
       }
+      case 7:
+      case 8:
+        XPPROF(selection == 7 ? DxfDrawing : SvgDrawing, st);
+        break;
+      case 9: {
+        bool imported = false;
+        INOFFT(imported, st);
+        if (!imported) break;
+        copyBoxToView();
+        if (interactive()) PROUTL(st);
+        break;
+      }
+      case 10:
+        p.SHOWSP = !p.SHOWSP;
+        break;
       default:
         break;
     }

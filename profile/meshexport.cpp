@@ -10,6 +10,8 @@
 #include "framework/text.h"
 #include "mesher/driver.h"
 #include "mesher/limits.h"
+#include "profile/meshformats.h"
+#include "mesher/robust.h"
 
 namespace kntr::profile {
 
@@ -81,6 +83,10 @@ void XPMESH(bool& status) {
   ExportMesh& mesh = exportMesh();
   int numVertices = 0, numTriangles = 0;
   bool failed = false;
+  // Curves that cross, overlap or touch give a mesh that covers parts twice.
+  int first = 0, second = 0;
+  mesher::IQCVCR(first, second, failed);
+  if (first > 0) framework::ERRSCN(mesher::crossingCurvesMessage(first, second));
   mesher::IQPMSH(mesher::ResultVertices, mesher::ResultTriangles, View1<double>(mesh.quality),
                  numVertices, View1<XY>(mesh.vertices), numTriangles,
                  View1<mesher::Triangle>(mesh.triangles), failed);
@@ -89,28 +95,49 @@ void XPMESH(bool& status) {
     return;
   }
 
-  const std::array<std::string, 3> rows = {textRow("Orvik{nFEM-MESH"),
-                                           textRow("TVEW{n(Viewer format)"), "CANCEL"};
+  const std::array<std::string, 7> rows = {textRow("Orvik{nFEM-MESH"),
+                                           textRow("TVEW{n(Viewer format)"),
+                                           textRow("Gmsh{nMSH 4.1"),
+                                           textRow("VTK{nlegacy (.vtk)"),
+                                           textRow("VTK{nXML (.vtu)"),
+                                           textRow("Nastran{nbulk deck"),
+                                           "CANCEL"};
   int selection = 0;
   bool abort = false;
   framework::TXMENU("EXPORT FORMAT SELECTION", rows, 0, "Select export file format", abort,
                     selection, failed);
-  if (abort || failed || selection < 1 || selection > 2) return;
+  if (abort || failed || selection < 1 || selection > 6) return;
 
+  static const char* const questions[] = {"Input name (full) for mesh file (max 80 char)",
+                                          "Input name (full) for TVEW file (max 80 char)",
+                                          "Input name (full) for Gmsh file (max 80 char)",
+                                          "Input name (full) for VTK file (max 80 char)",
+                                          "Input name (full) for VTU file (max 80 char)",
+                                          "Input name (full) for Nastran file (max 80 char)"};
   std::string name;
-  const bool finite = selection == 1;
-  if (!askFileName(finite ? "Input name (full) for mesh file (max 80 char)"
-                          : "Input name (full) for TVEW file (max 80 char)",
-                   name)) {
-    return;
-  }
+  if (!askFileName(questions[selection - 1], name)) return;
   const View1<const XY> vertices(mesh.vertices.data(), numVertices);
   const View1<const mesher::Triangle> triangles(mesh.triangles.data(), numTriangles);
-  if (finite) {
-    PTFEMM(numVertices, vertices, numTriangles, triangles, name, status);
-  } else {
-    PTTVEW(numVertices, vertices, numTriangles, triangles,
-           View1<const double>(mesh.quality.data(), numTriangles), name, status);
+  const View1<const double> quality(mesh.quality.data(), numTriangles);
+  switch (selection) {
+    case 1:
+      PTFEMM(numVertices, vertices, numTriangles, triangles, name, status);
+      break;
+    case 2:
+      PTTVEW(numVertices, vertices, numTriangles, triangles, quality, name, status);
+      break;
+    case 3:
+      PTGMSH(numVertices, vertices, numTriangles, triangles, name, status);
+      break;
+    case 4:
+      PTVTKL(numVertices, vertices, numTriangles, triangles, quality, name, status);
+      break;
+    case 5:
+      PTVTUX(numVertices, vertices, numTriangles, triangles, quality, name, status);
+      break;
+    default:
+      PTNSTR(numVertices, vertices, numTriangles, triangles, name, status);
+      break;
   }
 }
 

@@ -16,6 +16,7 @@
 
 #include <string_view>
 
+#include "framework/files.h"
 #include "framework/onebased.h"
 #include "mesher/structure.h"
 
@@ -44,5 +45,15 @@ void PTFEMM(int numVertices, View1<const XY> vertices, int numTriangles,
 void PTTVEW(int numVertices, View1<const XY> vertices, int numTriangles,
             View1<const mesher::Triangle> triangles, View1<const double> quality,
             std::string_view name, bool& status);
+
+// What the opening of a mesh file came to.
+enum class Opening { Ready, Cancelled, Failed };
+
+// The opening every mesh writer shares: a unit, the overwrite question for
+// an existing file, the file itself, and the notice "Storing interior mesh".
+Opening openMeshFile(std::string_view name, framework::AtomicWriter& file);
+
+// Puts a written mesh file in place; false after the failure has been reported.
+bool closeMeshFile(std::string_view name, framework::AtomicWriter& file);
 
 }  // namespace kntr::profile

@@ -10,12 +10,7 @@
 
 namespace kntr::profile {
 
-namespace {
-
-// What the opening of a mesh file came to.
-enum class Opening { Ready, Cancelled, Failed };
-
-// The opening both writers share: a unit, the overwrite question for an
+// The opening every mesh writer shares: a unit, the overwrite question for an
 // existing file, the file itself, and the notice.
 Opening openMeshFile(std::string_view name, framework::AtomicWriter& file) {
   int unit = 0;
@@ -53,6 +48,8 @@ bool closeMeshFile(std::string_view name, framework::AtomicWriter& file) {
   }
   return true;
 }
+
+namespace {
 
 // One record of free-form output: a blank, then the items separated by
 // blanks.

@@ -34,6 +34,8 @@ void IZKNTR(bool& status) {
   p.MESHAU = false;
   p.MESHQL = 0.85;
   p.MESHDN = 1000;
+  p.MESHRB = false;
+  p.MESHIM = false;
   p.SHOWIP = false;
   p.SHOWCP = false;
   p.SHOWLS = true;

@@ -10,6 +10,7 @@
 #include "framework/tables.h"
 #include "framework/text.h"
 #include "profile/block.h"
+#include "profile/sectionprops.h"
 
 namespace kntr::profile {
 
@@ -140,6 +141,10 @@ void PRKNTR(bool& status) {
   if (framework::printJobFailed()) {
     status = true;
     return;
+  }
+  if (profile().SHOWSP) {
+    PRSECP(status);
+    if (status) return;
   }
   PRPRPN(status);
 }

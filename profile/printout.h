@@ -2,7 +2,8 @@
 //
 //   PROUTL  print the profile outline: kind, number of curves, reference point
 //   PRPRPN  print the point table of the current curve
-//   PRKNTR  print the profile: the outline, then the point table
+//   PRKNTR  print the profile: the outline, the section properties when SHOWSP is
+//           on, then the point table
 //
 // The texts go wherever listings go now: the screen, or the printer that
 // SLPRNT opened.
@@ -20,7 +21,7 @@ void PROUTL(bool& status);
 //   status: set with no curves ("(PRPRPN) No profile curves available!").
 void PRPRPN(bool& status);
 
-// PRKNTR: PROUTL, then PRPRPN.
+// PRKNTR: PROUTL, then PRSECP when SHOWSP is on, then PRPRPN.
 //   status: set when either fails or the print job breaks off.
 void PRKNTR(bool& status);
 

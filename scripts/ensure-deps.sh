@@ -19,6 +19,9 @@ command -v xauth >/dev/null || need+=(xauth)
 command -v xdotool >/dev/null || need+=(xdotool)
 command -v xwd >/dev/null || need+=(x11-apps)
 command -v convert >/dev/null || need+=(imagemagick)
+command -v gmsh >/dev/null || need+=(gmsh)
+/usr/bin/python3 -c 'import meshio' 2>/dev/null || need+=(python3-meshio)
+/usr/bin/python3 -c 'import ezdxf' 2>/dev/null || need+=(python3-ezdxf)
 ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 || need+=(libclang-rt-dev)
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

@@ -46,9 +46,12 @@ const char* const usageText =
     "trailing-normal|DX,DY]\n"
     "                 [--global] [--restraint D] [--iterations N] -o OUT\n"
     "       kntr-tool mesh FILE [--triangles N] [--auto Q] [--smooth] [--fem OUT] [--tvew OUT]\n"
-    "                 [--plain OUT]\n"
+    "                 [--plain OUT] [--msh OUT] [--vtk OUT] [--vtu OUT] [--nastran OUT]\n"
     "       kntr-tool plot FILE [--size WxH] [--mesh N] [--quality] [--comb] [--grid|--no-grid]\n"
-    "                 (--png|--svg|--pdf) OUT\n";
+    "                 (--png|--svg|--pdf) OUT\n"
+    "       kntr-tool export FILE (--dxf|--svg) OUT\n"
+    "       kntr-tool import CSV [--box XMIN,XMAX,YMIN,YMAX] [--ref X,Y] [--polyline] -o OUT\n"
+    "       kntr-tool props FILE\n";
 
 }  // namespace
 
@@ -130,5 +133,8 @@ int main(int argc, char** argv) {
   if (command == "fair") return tool::fairCommand(arguments);
   if (command == "mesh") return tool::meshCommand(arguments);
   if (command == "plot") return tool::plotCommand(arguments);
+  if (command == "export") return tool::exportCommand(arguments);
+  if (command == "import") return tool::importCommand(arguments);
+  if (command == "props") return tool::propsCommand(arguments);
   return tool::usage("");
 }

@@ -15,6 +15,9 @@ int polylineCommand(const Arguments& arguments);
 int fairCommand(const Arguments& arguments);
 int meshCommand(const Arguments& arguments);
 int plotCommand(const Arguments& arguments);
+int exportCommand(const Arguments& arguments);
+int importCommand(const Arguments& arguments);
+int propsCommand(const Arguments& arguments);
 
 // Loads a profile data file into the profile block; false when it failed.
 bool loadProfile(const std::string& name);

@@ -16,7 +16,7 @@ namespace {
 namespace fw = framework;
 
 // The keys that leave the file menu (its RETURN row).
-const char* const leave = "7\n";
+const char* const leave = "11\n";
 // The two pages shown after a load or a store: file information, outline.
 const char* const twoPages = "\n\n";
 constexpr auto npos = std::string::npos;
@@ -96,7 +96,7 @@ TEST_F(FileMenu, RowsAndNothingToSave) {
   EXPECT_EQ(occurrences(out, "No profile curves available to save!"), 2);
   EXPECT_TRUE(listing().empty());
   for (const char* row :
-       {"FILE MANIPULATION", "1.  ... Load profile(s)", "6.  ... Reset", "7.  ... RETURN"})
+       {"FILE MANIPULATION", "1.  ... Load profile(s)", "6.  ... Reset", "11. ... RETURN"})
     EXPECT_NE(out.find(row), npos) << row;
 }
 

@@ -159,7 +159,7 @@ TEST_F(MeshExport, MenuWritesTheProfilesMeshInTheChosenFormat) {
   EXPECT_NE(said.find("EXPORT FORMAT SELECTION"), npos);
   EXPECT_NE(said.find("1.  ... Orvik FEM-MESH"), npos);
   EXPECT_NE(said.find("2.  ... TVEW (Viewer format)"), npos);
-  EXPECT_NE(said.find("3.  ... CANCEL"), npos);
+  EXPECT_NE(said.find("7.  ... CANCEL"), npos);
   EXPECT_EQ(occurrences(said, "Input name (full) for mesh file (max 80 char)"), 2);
   std::vector<std::string> written = readLines(fem);
   ASSERT_FALSE(written.empty());
@@ -184,11 +184,26 @@ TEST_F(MeshExport, MenuWritesTheProfilesMeshInTheChosenFormat) {
 
 TEST_F(MeshExport, MenuCancelledWritesNothing) {
   loadSquare();
-  for (const std::string keys : {"3\n", "$\n", "1\n$\n"}) {
+  for (const std::string keys : {"7\n", "$\n", "1\n$\n"}) {
     exportMenu(keys);
     EXPECT_TRUE(listing().empty()) << keys;
     output();
   }
+}
+
+TEST_F(MeshExport, CrossingCurvesAreNamedBeforeTheMenu) {
+  bool loaded = false, status = false;
+  GTKNTR(std::string(KNTR_SOURCE_DIR) + "/data/bench/square-hole.kntr", true, loaded, status);
+  ASSERT_TRUE(loaded);
+  profile().MESHDN = 200;
+  // The hole moved across the square's right side.
+  for (int j = 1; j <= profile().NPRPNT(2); ++j) profile().PRPNTS(2, j)(1) += 5.0;
+  output();
+  exportMenu("\n3\n");
+  const std::string said = output();
+  const std::size_t warned = said.find("(IQCVCR) Curves 1 and 2 cross, overlap or touch each other!");
+  EXPECT_NE(warned, npos) << said;
+  EXPECT_LT(warned, said.find("EXPORT FORMAT SELECTION"));
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ open=$'2\n6,1\n2\n8,1\n2\n9,3\n2\n7,4\n2\n\nno\n'
 # Screen; RETURN under the outline page and at the table's paging question.
 print=$'5\n1\n\n\n'
 # File menu: save (RETURN under the file information and the outline), back.
-save=$'8\n2\n\n\n7\n'
+save=$'8\n2\n\n\n11\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$closed$open$print$save"$'9\nyes\n'
 check "exit status 0" test "$status" -eq 0
 check "every answer taken" bash -c "! grep -qE 'undefined constant|Input must be|Wrong number' out"

@@ -32,6 +32,17 @@ check "finite element file" grep -q '^element      1 201' mesh.fem
 check "viewer file header" grep -q '^\* FILE VERSION:    4' mesh.tvw
 "$KNTR_TOOL" mesh "$bench/square.kntr" --fem mesh.fem >/dev/null
 check "existing output is replaced" test $? -eq 0
+"$KNTR_TOOL" mesh "$bench/square-hole.kntr" --classic --no-improve --smooth >/dev/null
+check "plain pipeline exit 0" test $? -eq 0
+"$KNTR_TOOL" mesh "$bench/square-hole.kntr" --auto 0.999 --triangles 500 >out.txt 2>err.txt
+check "unreachable quality exit 0" test $? -eq 0
+check "unreachable quality warned" grep -qxF 'Required mesh quality was not obtained!' err.txt
+# The hole moved across the right side of the square: refused, curves named.
+awk '/^[0-9]+ T [0-9]+$/ { c++ } c == 2 && NF == 4 { $3 = $3 + 5 } { print }' \
+  "$bench/square-hole.kntr" >crossing.kntr
+"$KNTR_TOOL" mesh crossing.kntr >out.txt 2>err.txt
+check "crossing curves exit 1" test $? -eq 1
+check "crossing curves named" grep -qF '(IQCVCR) Curves 1 and 2 cross, overlap or touch each other!' err.txt
 "$KNTR_TOOL" polyline missing.kntr 2>err.txt
 check "missing file exit 1" test $? -eq 1
 check "missing file message" grep -qF '"missing.kntr" is non-existent!' err.txt

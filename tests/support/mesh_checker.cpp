@@ -243,8 +243,9 @@ int layOut(const TestRegion& region, View1<XY> vertices, View1<int> sizes) {
                                           int numTriangles,
                                           View1<const mesher::Triangle> triangles) {
   Problems problems;
-  // A length scale for the tolerances of the boundary tests.
-  double extent = 1.0;
+  // A length scale for the tolerances of the boundary tests: the region's
+  // own, so that a region of any size is held to the same relative bounds.
+  double extent = 0.0;
   for (const auto& poly : region.polygons)
     for (const XY& p : poly) extent = std::max({extent, std::fabs(p.x), std::fabs(p.y)});
   const double tol = 1e-9 * extent;
@@ -310,7 +311,7 @@ int layOut(const TestRegion& region, View1<XY> vertices, View1<int> sizes) {
       const XY& b = poly[(i + 1) % poly.size()];
       const double length = std::hypot(b.x - a.x, b.y - a.y);
       const double got = covered[{k, i}];
-      if (std::fabs(got - length) > 1e-9 * std::max(length, 1.0))
+      if (std::fabs(got - length) > 1e-9 * std::max(length, 1e-3 * extent))
         problems.add() << "boundary edge " << i << " of polygon " << k << " (length " << length
                        << ") is covered by mesh edges of total length " << got;
     }

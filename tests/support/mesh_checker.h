@@ -59,6 +59,7 @@ int layOut(const TestRegion& region, View1<XY> vertices, View1<int> sizes);
 // - every inner edge used twice, once in each direction; every other edge
 //   lies on the region's boundary, and these cover each boundary edge once;
 // - no vertex lies outside the region.
+// The bounds of the boundary tests are relative to the region's size.
 ::testing::AssertionResult checkTriangles(const TestRegion& region, View1<const XY> vertices,
                                           int numTriangles,
                                           View1<const mesher::Triangle> triangles);
