@@ -119,18 +119,20 @@ void CTMESH(bool& status) {
   status = false;
   ProfileData& p = profile();
   for (;;) {
-    const std::array<std::string, 7> rows{
+    const std::array<std::string, 9> rows{
         "Interior{nmeshing" + state(p.MESHON),
         "Auto setting of{ndensity" + state(p.MESHAU),
         "Laplace{nsmoothing" + state(p.MESHLP),
         "Setup of{nmesh quality",
         "Key-in of{nmesh density",
         "Quality{ncolours" + state(p.MESHQC),
+        "Robust{nmeshing" + state(p.MESHRB),
+        "Quality{nstage" + state(p.MESHIM),
         "RETURN"};
-    int selection = 7;
+    int selection = 9;
     bool abort = false;
     gr::GSELCT("INTERIOR MESHING CONTROL", rows, "Select item", "", selection, abort);
-    if (abort || selection == 7) return;
+    if (abort || selection == 9) return;
     switch (selection) {
       case 1: changePicture([&] { p.MESHON = !p.MESHON; }, status); break;
       case 2: changePicture([&] { p.MESHAU = !p.MESHAU; }, status); break;
@@ -158,6 +160,8 @@ void CTMESH(bool& status) {
         break;
       }
       case 6: changePicture([&] { p.MESHQC = !p.MESHQC; }, status); break;
+      case 7: changePicture([&] { p.MESHRB = !p.MESHRB; }, status); break;
+      case 8: changePicture([&] { p.MESHIM = !p.MESHIM; }, status); break;
       default: break;
     }
     if (status) return;

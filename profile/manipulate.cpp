@@ -178,13 +178,20 @@ void CTDISP(bool& status) {
   status = false;
   ProfileData& p = profile();
   for (;;) {
-    const std::array<std::string, 3> rows{"Grid " + fw::logicalStateText(p.SHOWGR),
+    const std::array<std::string, 4> rows{"Grid " + fw::logicalStateText(p.SHOWGR),
                                           "Curvature{ncomb " + fw::logicalStateText(p.SHOWCB),
+                                          "Section properties{nin printout " +
+                                              fw::logicalStateText(p.SHOWSP),
                                           "RETURN"};
-    int selection = 3;
+    int selection = 4;
     bool abort = false;
     gr::GSELCT("DISPLAY CONTROL", rows, "Select item", "", selection, abort);
-    if (abort || selection == 3) return;
+    if (abort || selection == 4) return;
+    if (selection == 3) {
+      // a setting of the printout: the picture stays
+      p.SHOWSP = !p.SHOWSP;
+      continue;
+    }
     // Erase, flip, draw; a failing picture ends the menu.
     picture(true, false, status);
     if (status) return;

@@ -13,7 +13,7 @@ create+=$'#picture created.png\n'
 # third cancelled (row 2) after two points.
 second=$'#item 3\n6,1\n8,1\n9,3\n#item 4\n#item 5\n'
 cancelled=$'#item 3\n6,2\n7,2\n#item 2\n#picture after.png\n#item 12\n'
-save=$'8\n2\n\n\n7\n'
+save=$'8\n2\n\n\n11\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$create$second$cancelled$save"$'9\nyes\n'
 check "exit status 0" test "$status" -eq 0
 check "creation menu" contains out "PROFILE CURVE CREATION"

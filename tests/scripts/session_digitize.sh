@@ -32,7 +32,7 @@ digitize=$'3\n#item 3\ndrawing.png\n#picture underlay.png\n#item 1\n'
 digitize+=$'#pick 2, 1\n3,1.5\n#pick 8, 1\n6\n#pick 2, 4\n3\n'
 # Create (2): reference point, then four points around the rectangle; DONE.
 digitize+=$'#item 2\n#pick 5, 2.5\n#pick 4, 2\n#pick 6, 2\n#pick 6, 3\n#pick 4, 3\n#item 3\n#picture digitized.png\n#item 4\n'
-save=$'8\n2\n\n\n7\n'
+save=$'8\n2\n\n\n11\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$digitize$save"$'9\nyes\n'
 check "exit status 0" test "$status" -eq 0
 check "digitizing menu" contains out "PROFILE DIGITIZING"

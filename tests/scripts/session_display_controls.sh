@@ -12,11 +12,11 @@ closed=$'2\n1\n0,0\n1,1\n2\n3,1\n1\n4,3\n1\n2,4\n1\n1,3\n1\n\nyes\n'
 # refused then 10000 taken, quality 1.5 refused then 1 taken, colours on.
 mesh=$'4\n#picture plain.png\n#item 11\n#item 2\n#item 1\n#picture mesh.png\n'
 mesh+=$'#item 5\n10001\n\n10000\n#item 5\n400\n#item 4\n#item 6\n1.5\n\n1\n#item 8\n'
-mesh+=$'#item 6\n#picture quality.png\n#item 1\n#item 7\n'
+mesh+=$'#item 6\n#picture quality.png\n#item 1\n#item 9\n'
 # Spline control (1): interpolated points three times, accuracy -1 refused
 # then 0 taken, reset; display control (3): the comb.
 spline=$'#item 1\n#item 1\n#item 1\n#item 1\n#picture marks.png\n#item 4\n-1\n\n0.02\n#item 5\n#item 6\n'
-spline+=$'#item 3\n#picture nocomb.png\n#item 2\n#picture comb.png\n#item 2\n#item 3\n#item 5\n#item 12\n'
+spline+=$'#item 3\n#picture nocomb.png\n#item 2\n#picture comb.png\n#item 2\n#item 4\n#item 5\n#item 12\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$closed$mesh$spline"$'9\nyes\n'
 check "exit status 0" test "$status" -eq 0
 check "meshing control menu" contains out "INTERIOR MESHING CONTROL"

@@ -7,7 +7,7 @@ unset DISPLAY
 box=$'1\n0,10\n0,5\n'
 # Spline profile, reference point (5, 2.5), five points, DONE, closed.
 closed=$'2\n1\n5,2.5\n3,1\n1\n6,1\n1\n7,3\n1\n5,4\n1\n3,3\n1\n\nyes\n'
-save=$'8\n2\n\n\n7\n'
+save=$'8\n2\n\n\n11\n'
 # Modify entire profile (7), orient (4), rotate (2) by 90 degrees, back.
 rotate=$'4\n#item 7\n#item 4\n#item 2\n90\n#item 3\n'
 # Split the lone closed curve at point 3; join it again; polyline profile.
@@ -44,7 +44,7 @@ check "split picture written" test -s split.png -a -s snap.png
 # and the outline): back to spline, saved; then centripetal, saved.
 back=$'\n\n4\n#item 7\n#item 1\n#item 1\n#item 7\n#item 12\n'
 centripetal=$'4\n#item 7\n#item 2\nN\n#item 7\n#item 12\n'
-resave=$'8\n2\nyes\n\n\n7\n'
+resave=$'8\n2\nyes\n\n\n11\n'
 run_kntr "demo"$'\n'"$back$resave$centripetal$resave"$'9\nyes\n'
 check "second session exit 0" test "$status" -eq 0
 check "spline profile again" test "$(tail -n +13 demo.KNT | awk 'NR == 1 {print $1}')" = "1"
