@@ -43,6 +43,7 @@ constexpr int ErrorColour = 2;
 constexpr int MessageColour = 4;
 
 RedrawClient windowClient = nullptr;
+UnderlayHandler underlayHandler = nullptr;
 bool headlessNoted = false;
 
 // Runs `draw` with clip mode "off" and the text state kept.
@@ -437,6 +438,10 @@ bool eventLine(const std::string& word, std::string_view rest, GraphicAnswer& an
   if (w == "PICTURE") {
     bool failed = false;
     GWPICT(argument, failed);
+    return false;
+  }
+  if (w == "UNDERLAY" && underlayHandler) {
+    underlayHandler(argument);
     return false;
   }
   notImplemented();  // UNDERLAY, UNDO, REDO
@@ -840,5 +845,7 @@ std::string graphicAnswerHelp() {
          "#button name  press a panel button{nwl"
          "#picture file  write the picture (.png, .svg, .pdf)";
 }
+
+void setUnderlayHandler(UnderlayHandler handler) { underlayHandler = handler; }
 
 }  // namespace kntr::graphics

@@ -86,6 +86,9 @@ void GQUEST(std::string_view question, std::string_view deflt, std::string_view 
 void GSELCT(std::string_view heading, std::span<const std::string> items,
             std::string_view prompt, std::string_view help, int& selection, bool& abort);
 void GPRMPT(int line, std::string_view text);
+// setUnderlayHandler: the client routine that takes "#underlay FILE".
+using UnderlayHandler = void (*)(std::string_view file);
+void setUnderlayHandler(UnderlayHandler handler);
 // GWPICT: PNG from the window's buffer; SVG or PDF drawn anew.
 void GWPICT(const std::string& path, bool& failed);
 

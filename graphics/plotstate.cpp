@@ -557,6 +557,16 @@ void GFILL2(int n, const double* x, const double* y) {
   devicePen().known = false;
 }
 
+bool GIMAGE(const std::string& path, double xmin, double xmax, double ymin, double ymax) {
+  if (!drawable()) return false;
+  double x1, y1, x2, y2;
+  worldToDevice(xmin, ymin, x1, y1);
+  worldToDevice(xmax, ymax, x2, y2);
+  devicePen().known = false;
+  return device()->picture(path, std::min(x1, x2), std::min(y1, y2), std::max(x1, x2),
+                         std::max(y1, y2));
+}
+
 void GCLEAR(std::string_view name) {
   std::string n(name);
   for (char& c : n) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));

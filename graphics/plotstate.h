@@ -27,6 +27,7 @@
 //   GFILL2  fill a polygon in the polygon fill colour
 //   GMARK2  draw a marker at the pen in the marker colour
 //   GWTEXT  draw a text at the pen with the text attributes
+//   GIMAGE  show a picture file over a rectangle
 //   GCLEAR  clear a named rectangle
 //   GFRAME  outline a named rectangle, or ask a frame around a class's next text
 //   attachDevice     make a device the drawing target under a device code
@@ -35,6 +36,7 @@
 //   setRedrawClient  the client routine that draws the picture (erase, then draw)
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace kntr::platform {
@@ -144,6 +146,9 @@ void GMARK2(int kind);
 // GWTEXT: a text at the pen with the text class's attributes; trailing
 // blanks are cut and an empty text draws nothing.
 void GWTEXT(std::string_view text);
+// GIMAGE: the PNG file stretched over the world rectangle; false when it
+// cannot be shown.
+bool GIMAGE(const std::string& path, double xmin, double xmax, double ymin, double ymax);
 // GCLEAR: "plot", "display" (the digit rectangle), "margin" or "scale",
 // either case.
 void GCLEAR(std::string_view name);

@@ -50,6 +50,7 @@ CairoDevice::CairoDevice(cairo_surface_t* surface, bool owned, int width, int he
 }
 
 CairoDevice::~CairoDevice() {
+  if (image_surface_) cairo_surface_destroy(image_surface_);
   if (cr_) cairo_destroy(cr_);
   if (surface_ && owned_) cairo_surface_destroy(surface_);
   if (!temporary_.empty()) std::remove(temporary_.c_str());
@@ -245,6 +246,28 @@ void CairoDevice::flush() {
   strokePending();
   if (hairline_ && image_) cairo_surface_mark_dirty(surface_);
   cairo_surface_flush(surface_);
+}
+
+bool CairoDevice::picture(const std::string& path, double left, double top, double right,
+                        double bottom) {
+  strokePending();
+  if (path != imagePath_ || !image_surface_) {
+    if (image_surface_) cairo_surface_destroy(image_surface_);
+    image_surface_ = cairo_image_surface_create_from_png(path.c_str());
+    imagePath_ = path;
+  }
+  if (cairo_surface_status(image_surface_) != CAIRO_STATUS_SUCCESS) return false;
+  const int w = cairo_image_surface_get_width(image_surface_);
+  const int h = cairo_image_surface_get_height(image_surface_);
+  if (w < 1 || h < 1 || right <= left || bottom <= top) return false;
+  cairo_save(cr_);
+  cairo_new_path(cr_);
+  cairo_translate(cr_, left, top);
+  cairo_scale(cr_, (right - left + 1.0) / w, (bottom - top + 1.0) / h);
+  cairo_set_source_surface(cr_, image_surface_, 0.0, 0.0);
+  cairo_paint(cr_);
+  cairo_restore(cr_);
+  return true;
 }
 
 bool CairoDevice::finish(std::string& error) {

@@ -58,6 +58,8 @@ class CairoDevice : public Device {
   void palette(int table) override;
   void hairline(bool on) override;
   void flush() override;
+  bool picture(const std::string& path, double left, double top, double right,
+             double bottom) override;
 
   // paperColours: draw with the paper table (white ground, black lines).
   void paperColours(bool on);
@@ -98,6 +100,9 @@ class CairoDevice : public Device {
   std::uint32_t rasterValue_ = 0;
   int clipLeft_ = 0, clipTop_ = 0, clipRight_ = 0, clipBottom_ = 0;
   std::string path_, temporary_;
+  // The last image read, kept for the next picture.
+  std::string imagePath_;
+  cairo_surface_t* image_surface_ = nullptr;
 };
 
 }  // namespace kntr::platform

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace kntr::platform {
 
@@ -64,6 +65,13 @@ class Device {
   virtual void hairline(bool on) { (void)on; }
   // flush: finish what is pending, so that the surface shows all of it.
   virtual void flush() {}
+  // picture: the PNG file `path` stretched over the rectangle; false when
+  // the device shows no pictures or the file cannot be read.
+  virtual bool picture(const std::string& path, double left, double top, double right,
+                     double bottom) {
+    (void)path, (void)left, (void)top, (void)right, (void)bottom;
+    return false;
+  }
 };
 
 // setDevice: make `device` the drawing target (nullptr: none).

@@ -44,6 +44,9 @@ class WindowDevice : public Device {
     image->palette(table);
   }
   void hairline(bool on) override { image->hairline(on); }
+  bool picture(const std::string& path, double l, double t, double r, double b) override {
+    return image->picture(path, l, t, r, b);
+  }
   void flush() override {
     image->flush();
     cwPresent();

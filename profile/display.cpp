@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "framework/files.h"
+#include "framework/format.h"
 #include "framework/text.h"
 #include "graphics/grid.h"
 #include "graphics/plotstate.h"
@@ -34,6 +36,11 @@ struct MeshArea {
 MeshArea& meshArea() {
   static MeshArea area;
   return area;
+}
+
+std::string& underlay() {
+  static std::string file;
+  return file;
 }
 
 ProfilePolylines& polylines() {
@@ -336,6 +343,14 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
     if (status) return;
   }
   ProfileData& p = profile();
+  // a scanned drawing under everything, on the window alone
+  if (!underlay().empty() && p.BBOXOK && graphics::plotState().device == graphics::DeviceWindow &&
+      !graphics::GIMAGE(underlay(), p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4))) {
+    const std::string file = underlay();
+    underlay().clear();  // before the message, whose box repaints the picture
+    framework::ERRSCN("Cannot show the drawing " + framework::literal(file) +
+                      " (a PNG picture is needed)");
+  }
   if (p.SHOWGR && p.BBOXOK) {
     graphics::plotState().grid =
         graphics::Rectangle{p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4)};
@@ -370,6 +385,26 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
     GMARK2(InsertMark);
   }
   if (p.HLPLOK) lineAcrossBox(p.HLPLIN, HelpLineColour);
+  graphics::flushPlot();
+}
+
+void setUnderlay(const std::string& file) { underlay() = file; }
+const std::string& underlayFile() { return underlay(); }
+
+void UNDRLY(std::string_view file) {
+  const std::string name = fmt::stripped(file);
+  bool status = false;
+  if (name.empty()) {
+    framework::ERRSCN("Name the drawing: #underlay FILE (a PNG picture), or #underlay none");
+    return;
+  }
+  if (fmt::upper(name) != "NONE" && !framework::fileExists(name)) {
+    framework::ERRSCN("The drawing " + framework::literal(name) + " is non-existent!");
+    return;
+  }
+  DPKNTR(true, false, status);
+  underlay() = fmt::upper(name) == "NONE" ? std::string() : name;
+  if (!status) DPKNTR(false, false, status);
   graphics::flushPlot();
 }
 

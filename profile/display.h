@@ -10,9 +10,12 @@
 //   drawMesh  draw given triangles as the mesh is drawn
 //   pointLabel  the label of a point: its type letters and its number
 //   REDRAW  erase and draw the whole picture
+//   setUnderlay  a drawing (PNG) shown under the picture in the window
+//   UNDRLY  take a drawing as the underlay: check it, erase, set, draw
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "framework/onebased.h"
 #include "mesher/structure.h"
@@ -74,5 +77,13 @@ void drawMeshQuality(View1<const XY> vertices, View1<const mesher::Triangle> tri
 std::string pointLabel(int c, int j);
 // REDRAW: DPKNTR erase, then DPKNTR draw.
 void REDRAW(bool& status);
+// setUnderlay: the PNG file stretched over the box below the grid, on the
+// window only (never on hardcopy); empty for none.
+void setUnderlay(const std::string& file);
+const std::string& underlayFile();
+// UNDRLY: the answer "#underlay FILE" or the digitizing menu's row: a
+// readable PNG becomes the underlay ("none" removes it), and the picture is
+// drawn again.
+void UNDRLY(std::string_view file);
 
 }  // namespace kntr::profile

@@ -11,8 +11,13 @@
 #include "graphics/plotstate.h"
 #include "graphics/view.h"
 #include "profile/block.h"
+#include "profile/controls.h"
 #include "profile/display.h"
+#include "profile/curvecreate.h"
+#include "profile/curveinput.h"
+#include "profile/meshexport.h"
 #include "profile/module.h"
+#include "profile/wholeprofile.h"
 
 namespace kntr::profile {
 
@@ -72,6 +77,7 @@ void MNPRCV(bool& status) {
     return;
   }
   fw::program().terminalInput = false;
+  gr::setUnderlayHandler(UNDRLY);
   picture(false, true, status);
   gr::flushPlot();
   for (;;) {
@@ -92,29 +98,45 @@ void MNPRCV(bool& status) {
         if (p.NPRCRV >= MaxCurves)
           fw::ERRSCN("Max number of profile curves reached!");
         else
-          notInThisVersion();
+          CRPRCV(st);
         break;
       case 4:
-      case 7:
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves to modify!");
         else
           notInThisVersion();
         break;
-      case 5:
+      case 7:
         if (p.NPRCRV == 0)
-          fw::ERRSCN("No profile curves to delete!");
+          fw::ERRSCN("No profile curves to modify!");
         else
-          notInThisVersion();
+          MDKNTR(st);
         break;
-      case 8:
-        notInThisVersion();
+      case 5:
+        if (p.NPRCRV == 0) {
+          fw::ERRSCN("No profile curves to delete!");
+        } else {
+          picture(true, false, st);
+          if (st) break;
+          RMPRCV(p.CURCRV, st);
+          if (st) break;
+          if (p.CURCRV > 1) --p.CURCRV;
+          p.MODFLG = true;
+          picture(false, false, st);
+          gr::flushPlot();
+        }
         break;
+      case 8: {
+        int item = 0;
+        bool cancel = false;
+        INSNAP(item, cancel, st);
+        break;
+      }
       case 9:
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves available!");
         else
-          notInThisVersion();
+          XPMESH(st);
         break;
       case 10:
         gr::GVWMNU(st);
@@ -139,12 +161,16 @@ void MNDISP(bool& status) {
     bool abort = false;
     gr::GSELCT("DISPLAY OPTIONS", rows, "Select item", "", selection, abort);
     if (abort || selection == 5) return;
-    if (selection == 3) {
+    if (selection == 1) {
+      CTSPLN(status);
+    } else if (selection == 2) {
+      CTMESH(status);
+    } else if (selection == 3) {
       CTDISP(status);
-      if (status) return;
     } else {
       notInThisVersion();
     }
+    if (status) return;
   }
 }
 
@@ -152,15 +178,25 @@ void CTDISP(bool& status) {
   status = false;
   ProfileData& p = profile();
   for (;;) {
-    const std::array<std::string, 2> rows{"Grid " + fw::logicalStateText(p.SHOWGR), "RETURN"};
-    int selection = 2;
+    const std::array<std::string, 4> rows{"Grid " + fw::logicalStateText(p.SHOWGR),
+                                          "Curvature{ncomb " + fw::logicalStateText(p.SHOWCB),
+                                          "Section properties{nin printout " +
+                                              fw::logicalStateText(p.SHOWSP),
+                                          "RETURN"};
+    int selection = 4;
     bool abort = false;
     gr::GSELCT("DISPLAY CONTROL", rows, "Select item", "", selection, abort);
-    if (abort || selection == 2) return;
+    if (abort || selection == 4) return;
+    if (selection == 3) {
+      // a setting of the printout: the picture stays
+      p.SHOWSP = !p.SHOWSP;
+      continue;
+    }
     // Erase, flip, draw; a failing picture ends the menu.
     picture(true, false, status);
     if (status) return;
-    p.SHOWGR = !p.SHOWGR;
+    bool& flag = selection == 1 ? p.SHOWGR : p.SHOWCB;
+    flag = !flag;
     picture(false, false, status);
     gr::flushPlot();
     if (status) return;

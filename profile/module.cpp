@@ -1,4 +1,5 @@
 #include "profile/module.h"
+#include "profile/curvecreate.h"
 
 #include <array>
 #include <string>
@@ -187,7 +188,7 @@ void MNKNTR(bool& status) {
         if (!p.BBOXOK)
           framework::ERRSCN("Bounding box must be given before digitizing profile!");
         else
-          notInThisVersion();
+          DGPRCV(st);
         break;
       case ManipulateRow:
         if (!p.BBOXOK)

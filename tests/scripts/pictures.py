@@ -63,7 +63,8 @@ def decode_png(path):
 
 
 COLOURS = {"red": (255, 0, 0), "green": (0, 255, 0), "magenta": (255, 0, 255),
-           "cyan": (0, 255, 255), "yellow": (255, 255, 0)}
+           "cyan": (0, 255, 255), "yellow": (255, 255, 0), "blue": (20, 60, 255),
+           "orange": (255, 135, 0)}
 
 
 def picture_pixels(path, colour):

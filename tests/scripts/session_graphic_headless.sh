@@ -16,7 +16,7 @@ terminal=$'#pick 1, 2\n\n#?\n\n'
 # picture, grid off in "DISPLAY CONTROL", picture; an SVG of the same.
 manipulate=$'4\n#picture whole.png\n#button in\n#pick 3, 2.5\n#button IN\n#pick 6/2, 5/2\n'
 manipulate+=$'#picture zoomed.png\n#item 11\n#item 3\n#item 1\n#picture nogrid.png\n#picture nogrid.svg\n'
-manipulate+=$'#undo\n\n#item 2\n#item 5\n#item 12\n'
+manipulate+=$'#undo\n\n#item 4\n#item 5\n#item 12\n'
 # A second visit: the window shows again; a keyed item number answers too.
 again=$'4\n12\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$closed$open$terminal$manipulate$again"$'9\nyes\n'

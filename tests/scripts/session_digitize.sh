@@ -1,0 +1,49 @@
+# Digitizing off a drawing: a scanned drawing (PNG) under the plot, the
+# digitizer calibrated on three of its known points, a curve of four points
+# digitized, and the saved coordinates in the drawing's own units.
+pictures="$(cd "$(dirname "$0")" && pwd)/pictures.py"
+source "$(dirname "$0")/lib.sh"
+unset DISPLAY
+
+# The drawing: a white sheet with a blue rectangle, 600 x 300 pixels, for a
+# box of 10 x 5 (the drawing fills the box).
+python3 - <<'PY'
+import struct, zlib
+w, h = 600, 300
+rows = []
+for y in range(h):
+    row = bytearray(b"\xff" * (3 * w))
+    for x in range(w):
+        if (y in (120, 180) and 240 <= x <= 360) or (x in (240, 360) and 120 <= y <= 180):
+            row[3 * x:3 * x + 3] = b"\x00\x00\xff"
+    rows.append(b"\x00" + bytes(row))
+def chunk(kind, body):
+    return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+png = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", w, h, 8, 2, 0, 0, 0))
+png += chunk(b"IDAT", zlib.compress(b"".join(rows))) + chunk(b"IEND", b"")
+open("drawing.png", "wb").write(png)
+PY
+
+box=$'1\n0,10\n0,5\n'
+# Digitize profile (3): the drawing under the plot (row 3), then scale the
+# digitizer (1) on three points of the plot with the drawing's coordinates:
+# in the drawing's units a plot point (u, v) is (2 + u/2, 1 + v/2).
+digitize=$'3\n#item 3\ndrawing.png\n#picture underlay.png\n#item 1\n'
+digitize+=$'#pick 2, 1\n3,1.5\n#pick 8, 1\n6\n#pick 2, 4\n3\n'
+# Create (2): reference point, then four points around the rectangle; DONE.
+digitize+=$'#item 2\n#pick 5, 2.5\n#pick 4, 2\n#pick 6, 2\n#pick 6, 3\n#pick 4, 3\n#item 3\n#picture digitized.png\n#item 4\n'
+save=$'8\n2\n\n\n11\n'
+run_kntr "demo"$'\nyes\nACME\nme\n'"$box$digitize$save"$'9\nyes\n'
+check "exit status 0" test "$status" -eq 0
+check "digitizing menu" contains out "PROFILE DIGITIZING"
+check "the calibration asked for the fix-point" contains out "Digitize a known fix-point"
+check "the drawing shows under the plot" test "$(python3 "$pictures" count underlay.png blue)" -gt 100
+check "digitized points in the drawing's units" python3 - <<'PY'
+rows = [l.split() for l in open("demo.KNT").read().splitlines()[12:]]
+assert rows[2] == ["4.5", "2.25"], rows[2]          # the reference point
+pts = [(float(r[2]), float(r[3])) for r in rows[4:] if len(r) == 4]
+want = [(4, 2), (5, 2), (5, 2.5), (4, 2.5)]
+assert len(pts) == 4, pts
+assert all(abs(a - c) < 1e-9 and abs(b - d) < 1e-9 for (a, b), (c, d) in zip(pts, want)), pts
+PY
+finish
