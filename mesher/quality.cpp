@@ -1,5 +1,6 @@
 #include "mesher/quality.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "framework/text.h"
@@ -22,7 +23,8 @@ void IQTRST(int numTriangles, View1<const XY> vertices, View1<const Triangle> tr
     const double b = side(tri(2), tri(3));
     const double c = side(tri(3), tri(1));
     const double s = 0.5 * (a + b + c);
-    const double q = 8.0 * (s - a) * (s - b) * (s - c) / (a * b * c);
+    // at most 1: a near-equilateral triangle can round a hair above it
+    const double q = std::min(1.0, 8.0 * (s - a) * (s - b) * (s - c) / (a * b * c));
     quality(t) = q;
     if (t == 1 || q < minimum) minimum = q;
     if (t == 1 || q > maximum) maximum = q;

@@ -199,7 +199,7 @@ TEST_F(MeshExport, CrossingCurvesAreNamedBeforeTheMenu) {
   // The hole moved across the square's right side.
   for (int j = 1; j <= profile().NPRPNT(2); ++j) profile().PRPNTS(2, j)(1) += 5.0;
   output();
-  exportMenu("\n3\n");
+  exportMenu("\n7\n");  // RETURN under the warning, then CANCEL
   const std::string said = output();
   const std::size_t warned = said.find("(IQCVCR) Curves 1 and 2 cross, overlap or touch each other!");
   EXPECT_NE(warned, npos) << said;

@@ -94,7 +94,7 @@ TEST_F(SaveSafety, BrokenTemporaryOrBackupFileLeavesTheProfileAndTheNextSaveKeep
   const ProfileData before = profile();
   for (const char* row : {"4\n", "5\n"}) {
     SCOPED_TRACE(row);
-    script(std::string(row) + "yes\n" + "\n" + "7\n");
+    script(std::string(row) + "yes\n" + "\n" + "11\n");
     FLKNTR(status);
     const std::string out = output();
     EXPECT_NE(out.find("Incorrect file format detected at line"), npos) << out;
@@ -102,7 +102,7 @@ TEST_F(SaveSafety, BrokenTemporaryOrBackupFileLeavesTheProfileAndTheNextSaveKeep
   }
   // The exit still warns, and a save writes the same records as before.
   EXPECT_TRUE(profile().MODFLG);
-  script("2\n" + std::string("yes\n") + "\n\n" + "7\n");
+  script("2\n" + std::string("yes\n") + "\n\n" + "11\n");
   FLKNTR(status);
   EXPECT_EQ(records(readFile(kntrFile())), records(saved));
 
