@@ -17,6 +17,7 @@
 #include "framework/state.h"
 #include "framework/text.h"
 #include "profile/block.h"
+#include "profile/undo.h"
 #include "profile/module.h"
 #include "profile/printout.h"
 
@@ -465,6 +466,7 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   p.BBOXOK = true;
   p.CURCRV = 1;
   loaded = true;
+  CLUNDO();
   const int closing = in.close();
   if (closing != 0) {
     fw::IOERRM('C', file, closing);

@@ -14,6 +14,7 @@
 #include "profile/controls.h"
 #include "profile/display.h"
 #include "profile/module.h"
+#include "profile/pointedit.h"
 
 namespace kntr::profile {
 
@@ -99,6 +100,8 @@ void MNPRCV(bool& status) {
       case 7:
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves to modify!");
+        else if (selection == 4)
+          MDPRCV(st);
         else
           notInThisVersion();
         break;

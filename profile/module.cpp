@@ -17,6 +17,7 @@
 #include "profile/datafile.h"
 #include "profile/manipulate.h"
 #include "profile/printout.h"
+#include "profile/undo.h"
 
 namespace kntr::profile {
 
@@ -105,6 +106,7 @@ int KNTRMN() {
   framework::callbacks().reset = RSKNTR;
   framework::callbacks().limits = PRMLIM;
   IZKNTF();
+  IZUNDO();
 
   bool status = false;
   framework::PGINIT(status);

@@ -16,7 +16,7 @@ terminal=$'#pick 1, 2\n\n#?\n\n'
 # picture, grid off in "DISPLAY CONTROL", picture; an SVG of the same.
 manipulate=$'4\n#picture whole.png\n#button in\n#pick 3, 2.5\n#button IN\n#pick 6/2, 5/2\n'
 manipulate+=$'#picture zoomed.png\n#item 11\n#item 3\n#item 1\n#picture nogrid.png\n#picture nogrid.svg\n'
-manipulate+=$'#undo\n\n#item 2\n#item 5\n#item 12\n'
+manipulate+=$'#undo\n\n#item 3\n#item 5\n#item 12\n'
 # A second visit: the window shows again; a keyed item number answers too.
 again=$'4\n12\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$closed$open$terminal$manipulate$again"$'9\nyes\n'
@@ -25,7 +25,7 @@ check "terminal mode refuses a pick" contains out "Only available in graphic mod
 check "#? lists the graphic events" contains out "PICTURE file"
 check "manipulation menu" contains out "PROFILE MANIPULATION"
 check "display control menu" contains out "DISPLAY CONTROL"
-check "undo not in this version" contains out "Not implemented in this version"
+check "undo with nothing done says so" contains out "Nothing to undo!"
 check "pictures written" test -s whole.png -a -s zoomed.png -a -s nogrid.png
 check "svg picture parses" python3 -c 'import sys, xml.etree.ElementTree as E; assert E.parse(sys.argv[1]).getroot().tag.endswith("svg")' nogrid.svg
 check "back in the main menu twice" test "$(grep -c 'MANIPULATE KNTR DATA' out)" -ge 3
