@@ -408,6 +408,7 @@ Step movePoint(int mode, int& item, bool& status) {
     // Drag: the pointer moves the point until a left press.
     crossHairs(old.x, old.y, mode != MoveVertical, mode != MoveHorizontal);
     gr::GPRMPT(1, "Drag the point: a left press ends, Escape puts it back");
+    gr::GPRMPT(2, "");
     XY shown = old;
     bool rubber = false;
     for (;;) {
