@@ -801,6 +801,7 @@ void GTRACK(int& result, double& x, double& y, bool& at) {
           result = e.key == 27 ? TrackCancel : TrackDone;
           return;
         }
+        if (e.key == UndoKey || e.key == RedoKey) editCommand(e.key == UndoKey);
         continue;
       case platform::EventKind::Press:
         if (e.button != 1) continue;
@@ -825,6 +826,10 @@ void GTRACK(int& result, double& x, double& y, bool& at) {
       if (w == "PICTURE") {
         bool failed = false;
         GWPICT(fmt::stripped(rest), failed);
+        continue;
+      }
+      if (w == "UNDO" || w == "REDO") {
+        editCommand(w == "UNDO");
         continue;
       }
       if (w != "MOVE" && w != "PICK" && w != "PIXEL") continue;

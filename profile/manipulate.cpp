@@ -100,10 +100,8 @@ void MNPRCV(bool& status) {
       case 7:
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves to modify!");
-        else if (selection == 4)
-          MDPRCV(st);
         else
-          notInThisVersion();
+          selection == 4 ? MDPRCV(st) : notInThisVersion();
         break;
       case 5:
         if (p.NPRCRV == 0)

@@ -603,10 +603,7 @@ Step fairPoint(int row, int& item, bool& status) {
       break;
     }
   }
-  FairOutcome& outcome = *[] {
-    static FairOutcome o;
-    return &o;
-  }();
+  static FairOutcome outcome;
   bool failed = false;
   fairCurvePoint(c, j, fairSettingsFromProfile(modes[row - 1], direction), outcome, failed);
   if (failed) return Step::Again;  // told already; nothing changed

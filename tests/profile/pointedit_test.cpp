@@ -186,6 +186,23 @@ TEST_F(PointEdit, TheBoxGrowsOnlyWhereTheCurvesReachPastIt) {
   EXPECT_EQ(profile().PRBBOX, (Array1<double, 4>{{2, 3, 0, 2}}));
 }
 
+TEST_F(PointEdit, AFullCurveTakesNoMorePoints) {
+  std::vector<XY> full;
+  for (int j = 0; j < MaxCurvePoints; ++j) full.push_back(XY{0.05 * j, 1.0 + 0.01 * j});
+  addCurve(full, false);
+  profile().CURCRV = 1;
+  profile().CURPNT = 1;
+  const ProfileData before = profile();
+  int item = -1;
+  bool status = true;
+  INPRPT(InsertFree, item, status);
+  EXPECT_FALSE(status);
+  EXPECT_EQ(item, 0);
+  EXPECT_TRUE(shown(output(), "Max number of profile points reached!"));
+  EXPECT_EQ(profile(), before);
+  EXPECT_EQ(undoSteps(), 0);
+}
+
 // The undo ring: data back and forth, settings and picture marks kept,
 // MODFLG as stored, redo gone after a new step, the oldest steps dropped.
 TEST_F(PointEdit, UndoAndRedoSwapTheDataAndKeepTheSettings) {

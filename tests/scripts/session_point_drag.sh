@@ -17,7 +17,8 @@ session="$box$curve"$'4\n#button DYN\n#item 4\n#item 2\n'
 # Free: point 3 to (6, 3), ended by a pick, with a picture on the way.
 session+=$'#item 1\n3\n#move 5, 3\n#move 5.5, 3.5\n#picture rubber.png\n#pick 6, 3\n$\n'
 # Horizontal with auto redraw: point 2 to X = 3.8, ended by RETURN.
-session+=$'#button ADR\n#item 2\n2\n#move 3.5, 1\n#picture dragging.png\n#move 3.8, 0\n\n$\n'
+# An undo in the middle of it is refused (the error waits for a line).
+session+=$'#button ADR\n#item 2\n2\n#move 3.5, 1\n#picture dragging.png\n#undo\n\n#move 3.8, 0\n\n$\n'
 # Free: point 4 dragged and put back; point 5 onto point 4 (skipped);
 # point 1 far out of the box.
 session+=$'#item 1\n4\n#move 8, 4\n$\n5\n#move 7, 2\n\n1\n#move -3, 9\n\n$\n#item 7\n#picture dragged.png\n'
@@ -30,6 +31,7 @@ check "exit status 0" test "$status" -eq 0
 check "saves written" test -s dragged.knt -a -s undone.knt
 point() { python3 "$profile" point "$1" 1 "$2"; }
 check "a pick ends the drag where it is" test "$(point dragged.knt 3)" = "6.0 3.0"
+check "no undo in the middle of a drag" contains out "Finish the present command before undo or redo!"
 check "a horizontal drag keeps Y" test "$(point dragged.knt 2)" = "3.8 2.0"
 check "Escape puts the point back" test "$(point dragged.knt 4)" = "7.0 2.0"
 check "a position on the neighbour is skipped" test "$(point dragged.knt 5)" = "9.0 1.0"
