@@ -391,6 +391,15 @@ void notImplemented() {
              std::string(fmt::trimmed(fw::program().SPVERS)) + ")");
 }
 
+// Undo or redo through the client, or the note that there is none.
+void editCommand(bool undo) {
+  void (*hook)() = undo ? editHooks().undo : editHooks().redo;
+  if (hook)
+    hook();
+  else
+    notImplemented();
+}
+
 // A graphic event line; true when it answered the question.
 bool eventLine(const std::string& word, std::string_view rest, GraphicAnswer& answer) {
   fw::tickBackupClock();
@@ -444,7 +453,11 @@ bool eventLine(const std::string& word, std::string_view rest, GraphicAnswer& an
     underlayHandler(argument);
     return false;
   }
-  notImplemented();  // UNDERLAY, UNDO, REDO
+  if (w == "UNDO" || w == "REDO") {
+    editCommand(w == "UNDO");
+    return false;
+  }
+  notImplemented();  // an underlay with no client to show it
   return false;
 }
 
@@ -466,6 +479,11 @@ bool graphicEvent(std::string_view lineText, std::string& word, std::string_view
 GraphicMenu& graphicMenu() {
   static GraphicMenu menu;
   return menu;
+}
+
+EditHooks& editHooks() {
+  static EditHooks hooks;
+  return hooks;
 }
 
 double frameWidthX() { return FrameWidth * plotState().asprto; }
@@ -653,7 +671,9 @@ void GQUEST(std::string_view question, std::string_view deflt, std::string_view 
           m.typed.clear();
           break;
         }
-        if (e.key == 8) {
+        if (e.key == UndoKey || e.key == RedoKey) {
+          editCommand(e.key == UndoKey);
+        } else if (e.key == 8) {
           if (!m.typed.empty()) m.typed.pop_back();
         } else if (e.key == 27) {
           m.typed.clear();
@@ -836,6 +856,74 @@ void GTTRAK(int& kind, int& key, double& x, double& y) {
   }
 }
 
+void GTRACK(int& result, double& x, double& y, bool& at) {
+  at = false;
+  for (;;) {
+    if (!platform::windowShown()) {
+      result = TrackCancel;
+      return;
+    }
+    flushPlot();
+    platform::WindowEvent e;
+    platform::cwNextEvent(e, true);
+    switch (e.kind) {
+      case platform::EventKind::Closed:
+        result = TrackCancel;
+        return;
+      case platform::EventKind::Key:
+        if (e.key == 27 || e.key == 13) {
+          result = e.key == 27 ? TrackCancel : TrackDone;
+          return;
+        }
+        if (e.key == UndoKey || e.key == RedoKey) editCommand(e.key == UndoKey);
+        continue;
+      case platform::EventKind::Press:
+        if (e.button != 1) continue;
+        deviceToWorld(e.x, e.y, x, y);
+        result = TrackDone;
+        at = true;
+        return;
+      case platform::EventKind::Move:
+        deviceToWorld(e.x, e.y, x, y);
+        result = TrackPosition;
+        return;
+      case platform::EventKind::Line:
+        break;
+      default:
+        continue;
+    }
+    // A line: a pointer event of a script, RETURN or "$".
+    std::string word;
+    std::string_view rest;
+    if (graphicEvent(e.line, word, rest)) {
+      const std::string w = fmt::upper(word);
+      if (w == "PICTURE") {
+        bool failed = false;
+        GWPICT(fmt::stripped(rest), failed);
+        continue;
+      }
+      if (w == "UNDO" || w == "REDO") {
+        editCommand(w == "UNDO");
+        continue;
+      }
+      if (w != "MOVE" && w != "PICK" && w != "PIXEL") continue;
+      double a = 0, b = 0;
+      if (!twoReals(fmt::stripped(rest), a, b)) continue;
+      x = a;
+      y = b;
+      if (w == "PIXEL") deviceToWorld(a, b, x, y);
+      result = w == "MOVE" ? TrackPosition : TrackDone;
+      at = result == TrackDone;
+      return;
+    }
+    const std::string typed = fmt::stripped(e.line);
+    if (typed.empty() || typed == "$") {
+      result = typed.empty() ? TrackDone : TrackCancel;
+      return;
+    }
+  }
+}
+
 std::string graphicAnswerHelp() {
   return "Graphic answers:{nwl"
          "#pick x, y  click at model coordinates{nwl"
@@ -843,7 +931,8 @@ std::string graphicAnswerHelp() {
          "#move x, y  move the pointer{nwl"
          "#item n  choose item n of the menu{nwl"
          "#button name  press a panel button{nwl"
-         "#picture file  write the picture (.png, .svg, .pdf)";
+         "#picture file  write the picture (.png, .svg, .pdf){nwl"
+         "#undo, #redo  undo or redo a change (Ctrl+Z, Ctrl+Y)";
 }
 
 void setUnderlayHandler(UnderlayHandler handler) { underlayHandler = handler; }

@@ -21,6 +21,8 @@
 //   GWPICT  write the picture as it stands to a file
 //   GTCRSR  cursor read: a key or a left press, in world units
 //   GTTRAK  one tracking event in world units (key, press or move)
+//   GTRACK  follow the pointer one step (a drag)
+//   editHooks  the client's undo and redo, run by Ctrl+Z, Ctrl+Y, "#undo", "#redo"
 //   breadcrumbText  the breadcrumb of a heading stack
 //   menuItemAt      the item box under surface fractions, 0 for none
 //   graphicEventWord  true for the words of the graphic event lines
@@ -99,6 +101,27 @@ void GTCRSR(int& button, double& x, double& y);
 // empty line), 2 a left press, 3 a pointer move ("#move X, Y" too), 0 a
 // closed window; (x, y) in world units.
 void GTTRAK(int& kind, int& key, double& x, double& y);
+// Results of GTRACK.
+inline constexpr int TrackCancel = 1;
+inline constexpr int TrackDone = 2;
+inline constexpr int TrackPosition = 3;
+
+// GTRACK: wait for one step of the pointer: TrackPosition with (x, y) where
+// it went (a motion, or "#move X, Y"); TrackDone at a left press, "#pick" or
+// "#pixel" (`at` set, (x, y) its position) or at RETURN (`at` false);
+// TrackCancel for Escape, "$" or a closed window.
+void GTRACK(int& result, double& x, double& y, bool& at);
+
+// The client's undo and redo of its data. A null member answers "not in
+// this version".
+struct EditHooks {
+  void (*undo)() = nullptr;
+  void (*redo)() = nullptr;
+};
+EditHooks& editHooks();
+// Key codes of Ctrl+Z and Ctrl+Y.
+inline constexpr int UndoKey = 26;
+inline constexpr int RedoKey = 25;
 
 // breadcrumbText: the levels below the current one that fit in 56
 // characters, joined; empty for a stack of one.

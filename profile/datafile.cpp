@@ -18,6 +18,7 @@
 #include "framework/text.h"
 #include "profile/block.h"
 #include "profile/exchange.h"
+#include "profile/undo.h"
 #include "profile/module.h"
 #include "profile/printout.h"
 
@@ -543,6 +544,7 @@ void GTKNTR(std::string_view name, bool quiet, bool& loaded, bool& status) {
   p.CURCRV = 1;
   profile() = scratch;
   loaded = true;
+  CLUNDO();
   const int closing = in.close();
   if (closing != 0) {
     fw::IOERRM('C', file, closing);

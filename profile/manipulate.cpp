@@ -18,6 +18,7 @@
 #include "profile/meshexport.h"
 #include "profile/module.h"
 #include "profile/wholeprofile.h"
+#include "profile/pointedit.h"
 
 namespace kntr::profile {
 
@@ -104,7 +105,7 @@ void MNPRCV(bool& status) {
         if (p.NPRCRV == 0)
           fw::ERRSCN("No profile curves to modify!");
         else
-          notInThisVersion();
+          MDPRCV(st);
         break;
       case 7:
         if (p.NPRCRV == 0)

@@ -22,6 +22,7 @@
 #include "profile/manipulate.h"
 #include "profile/plot.h"
 #include "profile/printout.h"
+#include "profile/undo.h"
 
 namespace kntr::profile {
 
@@ -113,6 +114,7 @@ int KNTRMN() {
   framework::callbacks().limits = PRMLIM;
   framework::services().testPlot = graphics::PLTSCL;
   IZKNTF();
+  IZUNDO();
 
   bool status = false;
   framework::PGINIT(status);

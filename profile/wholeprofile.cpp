@@ -16,6 +16,7 @@
 #include "profile/block.h"
 #include "profile/display.h"
 #include "profile/module.h"
+#include "profile/pointedit.h"
 #include "profile/pointpick.h"
 #include "profile/polylines.h"
 #include "spline/tangents.h"
@@ -112,35 +113,6 @@ bool lineInBox(double x1, double y1, double x2, double y2, double first[3], doub
 }
 
 }  // namespace
-
-void FTBBOX(bool fit, bool& status) {
-  status = false;
-  ProfileData& p = profile();
-  if (p.NPRCRV == 0) return;
-  static ProfilePolylines lines;
-  IQPPOL(MaxCurves, MaxPolylinePoints, lines, status);
-  if (status) return;
-  double xmin = HUGE_VAL, xmax = -HUGE_VAL, ymin = HUGE_VAL, ymax = -HUGE_VAL;
-  for (int c = 1; c <= lines.curves; ++c)
-    for (int i = 1; i <= lines.points(c); ++i) {
-      xmin = std::min(xmin, lines.xy(c, i).x);
-      xmax = std::max(xmax, lines.xy(c, i).x);
-      ymin = std::min(ymin, lines.xy(c, i).y);
-      ymax = std::max(ymax, lines.xy(c, i).y);
-    }
-  if (xmin > xmax) return;
-  const double margin = std::max(xmax - xmin, ymax - ymin) / 10.0;
-  if (fit) {
-    p.PRBBOX = Array1<double, 4>{{xmin - margin, xmax + margin, ymin - margin, ymax + margin}};
-  } else {
-    // only the sides the curves cross move out
-    if (xmin < p.PRBBOX(1)) p.PRBBOX(1) = xmin - margin;
-    if (xmax > p.PRBBOX(2)) p.PRBBOX(2) = xmax + margin;
-    if (ymin < p.PRBBOX(3)) p.PRBBOX(3) = ymin - margin;
-    if (ymax > p.PRBBOX(4)) p.PRBBOX(4) = ymax + margin;
-  }
-  p.BBOXOK = true;
-}
 
 void translateProfile(double dx, double dy) {
   ProfileData& p = profile();

@@ -11,7 +11,6 @@
 //   TRKNTR  translate the profile
 //   RTKNTR  rotate the profile about the reference point
 //   DGREFP  the reference point by pointer, digitizer or keyboard
-//   FTBBOX  grow (or fit) the box to the curves
 //   INSNAP  define the snap line by two points
 #pragma once
 
@@ -32,9 +31,6 @@ void TRKNTR(int& item, bool& cancel, bool& status);
 // RTKNTR: `angle` in degrees, kept as the default of the next turn.
 void RTKNTR(double& angle, int& item, bool& cancel, bool& status);
 void DGREFP(bool show, bool digitizer, bool& cancel, bool& status);
-// FTBBOX: with `fit` the box is the curves' extremes plus a margin of a
-// tenth of the larger extent; otherwise only sides the curves cross move.
-void FTBBOX(bool fit, bool& status);
 // translateProfile, rotateProfile: the arithmetic of TRKNTR and RTKNTR.
 void translateProfile(double dx, double dy);
 void rotateProfile(double degrees);

@@ -25,7 +25,7 @@ check "terminal mode refuses a pick" contains out "Only available in graphic mod
 check "#? lists the graphic events" contains out "PICTURE file"
 check "manipulation menu" contains out "PROFILE MANIPULATION"
 check "display control menu" contains out "DISPLAY CONTROL"
-check "undo not in this version" contains out "Not implemented in this version"
+check "undo with nothing done says so" contains out "Nothing to undo!"
 check "pictures written" test -s whole.png -a -s zoomed.png -a -s nogrid.png
 check "svg picture parses" python3 -c 'import sys, xml.etree.ElementTree as E; assert E.parse(sys.argv[1]).getroot().tag.endswith("svg")' nogrid.svg
 check "back in the main menu twice" test "$(grep -c 'MANIPULATE KNTR DATA' out)" -ge 3
