@@ -116,6 +116,16 @@ void lineAcrossBox(const Array1<double, 4>& line, int colour) {
 
 }  // namespace
 
+const char* const ThingNames[ThingCount] = {
+    "Reference point", "Current curve",   "Other curves",    "Interpolated points",
+    "Curve points",    "Current point",   "Highlighted segments", "Snap line",
+    "Snap line ends",  "Auxiliary line",  "Insertion mark",  "Interior mesh"};
+
+DisplayLook& displayLook() {
+  static DisplayLook look;
+  return look;
+}
+
 std::string pointLabel(int c, int j) {
   const ProfileData& p = profile();
   const std::string number = std::to_string(j);
@@ -144,10 +154,13 @@ void PLPRCV(int curve, bool erase, bool& status) {
   graphics::GTSIZE(LabelSize, failed);
 
   // the reference point
-  GCOLOR(colour(ReferenceColour));
-  GMOVE2(p.PRREFP(1), p.PRREFP(2));
-  GMARK2(ReferenceMark);
-  labelAt(p.PRREFP(1), p.PRREFP(2), "REF");
+  const DisplayLook& look = displayLook();
+  if (look.reference) {
+    GCOLOR(colour(look.colour[ReferenceThing]));
+    GMOVE2(p.PRREFP(1), p.PRREFP(2));
+    GMARK2(ReferenceMark);
+    labelAt(p.PRREFP(1), p.PRREFP(2), "REF");
+  }
   if (p.NPRCRV == 0) return;
 
   ProfilePolylines& lines = polylines();
@@ -160,7 +173,7 @@ void PLPRCV(int curve, bool erase, bool& status) {
   for (int c = first; c <= last; ++c) {
     const int count = lines.points(c);
     if (count < 2) continue;
-    const int lineColour = colour(c == p.CURCRV ? CurrentCurveColour : CurveColour);
+    const int lineColour = colour(look.colour[c == p.CURCRV ? CurrentCurveThing : CurveThing]);
     const bool marksOnly = p.PRFTYP == SplineProfile && p.SHOWIP;
     if (!marksOnly || p.SHOWLS) {
       GCOLOR(lineColour);
@@ -169,7 +182,7 @@ void PLPRCV(int curve, bool erase, bool& status) {
       if (p.PRCLSD(c)) GDRAW2(lines.xy(c, 1).x, lines.xy(c, 1).y);
     }
     if (marksOnly) {
-      GCOLOR(colour(InterpolatedColour));
+      GCOLOR(colour(look.colour[InterpolatedThing]));
       for (int i = 1; i <= count; ++i) {
         GMOVE2(lines.xy(c, i).x, lines.xy(c, i).y);
         GMARK2(InterpolatedMark);
@@ -179,7 +192,7 @@ void PLPRCV(int curve, bool erase, bool& status) {
 
   // highlighted segments of the current curve
   if (p.CURCRV >= first && p.CURCRV <= last && lines.points(p.CURCRV) >= 2) {
-    GCOLOR(colour(HighlightColour));
+    GCOLOR(colour(look.colour[HighlightThing]));
     for (int k = 1; k <= 2; ++k)
       if (p.HILSEG(k) != 0) drawHighlight(lines, p.CURCRV, p.HILSEG(k));
   }
@@ -189,11 +202,11 @@ void PLPRCV(int curve, bool erase, bool& status) {
   for (int c = first; c <= last; ++c) {
     for (int j = 1; j <= p.NPRPNT(c); ++j) {
       const bool current = c == p.CURCRV && j == p.CURPNT;
-      GCOLOR(colour(current ? CurrentPointColour : PointColour));
+      GCOLOR(colour(look.colour[current ? CurrentPointThing : PointThing]));
       const double x = p.PRPNTS(c, j)(1), y = p.PRPNTS(c, j)(2);
       GMOVE2(x, y);
-      GMARK2(PointMark);
-      labelAt(x, y, pointLabel(c, j));
+      if (look.marks) GMARK2(PointMark);
+      if (look.labels) labelAt(x, y, pointLabel(c, j));
     }
   }
   graphics::hairlines(false);
@@ -211,7 +224,7 @@ void PLMESH(bool erase, bool& status) {
   if (profile().MESHQC)
     drawMeshQuality(vertices, triangles, View1<const double>(m.quality.data(), m.numTriangles),
                     erase);
-  drawMesh(vertices, triangles, erase ? EraseColour : MeshColour);
+  drawMesh(vertices, triangles, erase ? EraseColour : displayLook().colour[MeshThing]);
 }
 
 void drawMeshQuality(View1<const XY> vertices, View1<const mesher::Triangle> triangles,
@@ -357,7 +370,8 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
     graphics::GGRID2(status);
     if (status) return;
   }
-  if (p.MESHON) {
+  const DisplayLook& look = displayLook();
+  if (p.MESHON && look.mesh) {
     PLMESH(false, status);
     if (status) return;
   }
@@ -367,11 +381,11 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
     PLCOMB(false, status);
     if (status) return;
   }
-  if (p.SNAPOK) {
-    lineAcrossBox(p.SNAPLN, SnapLineColour);
+  if (p.SNAPOK && look.snapLine) {
+    lineAcrossBox(p.SNAPLN, look.colour[SnapLineThing]);
     bool failed = false;
     graphics::GTSIZE(LabelSize, failed);
-    GCOLOR(SnapEndColour);
+    GCOLOR(look.colour[SnapEndThing]);
     for (int k = 0; k < 2; ++k) {
       const double x = p.SNAPLN(2 * k + 1), y = p.SNAPLN(2 * k + 2);
       GMOVE2(x, y);
@@ -380,11 +394,11 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
     }
   }
   if (p.MARKOK) {
-    GCOLOR(InsertMarkColour);
+    GCOLOR(look.colour[InsertMarkThing]);
     GMOVE2(p.MARKPT(1), p.MARKPT(2));
     GMARK2(InsertMark);
   }
-  if (p.HLPLOK) lineAcrossBox(p.HLPLIN, HelpLineColour);
+  if (p.HLPLOK) lineAcrossBox(p.HLPLIN, look.colour[HelpLineThing]);
   graphics::flushPlot();
 }
 

@@ -10,6 +10,7 @@
 //   drawMesh  draw given triangles as the mesh is drawn
 //   pointLabel  the label of a point: its type letters and its number
 //   REDRAW  erase and draw the whole picture
+//   displayLook  the colours of the things and what the picture shows
 //   setUnderlay  a drawing (PNG) shown under the picture in the window
 //   UNDRLY  take a drawing as the underlay: check it, erase, set, draw
 #pragma once
@@ -40,6 +41,29 @@ inline constexpr int CombColour = 10;
 // The tallest spike of the curvature comb, as a share of the larger side of
 // the view.
 inline constexpr double CombHeight = 0.08;
+
+// The things of the picture whose colour the plot set-up may change.
+enum Thing {
+  ReferenceThing, CurrentCurveThing, CurveThing, InterpolatedThing, PointThing,
+  CurrentPointThing, HighlightThing, SnapLineThing, SnapEndThing, HelpLineThing,
+  InsertMarkThing, MeshThing, ThingCount
+};
+
+// How the picture looks: the colour of each thing, and what is shown.
+struct DisplayLook {
+  int colour[ThingCount] = {ReferenceColour,    CurrentCurveColour, CurveColour,
+                            InterpolatedColour, PointColour,        CurrentPointColour,
+                            HighlightColour,    SnapLineColour,     SnapEndColour,
+                            HelpLineColour,     InsertMarkColour,   MeshColour};
+  bool labels = true;          // point labels
+  bool reference = true;       // the reference point
+  bool marks = true;           // the marks of the points
+  bool snapLine = true;        // the snap line
+  bool mesh = true;            // the interior mesh (when meshing is on)
+};
+DisplayLook& displayLook();
+// The names of the things, as the colour set-up lists them.
+extern const char* const ThingNames[ThingCount];
 
 // Marks.
 inline constexpr int PointMark = 1;

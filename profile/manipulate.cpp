@@ -18,6 +18,7 @@
 #include "profile/meshexport.h"
 #include "profile/module.h"
 #include "profile/wholeprofile.h"
+#include "profile/plot.h"
 #include "profile/pointedit.h"
 
 namespace kntr::profile {
@@ -26,11 +27,6 @@ namespace {
 
 namespace fw = framework;
 namespace gr = graphics;
-
-void notInThisVersion() {
-  fw::ERRSCN("Not implemented in this version{nwl{gre(version is " +
-             std::string(fmt::trimmed(fw::program().SPVERS)) + ")");
-}
 
 // The picture in the window: the profile's picture, and the frame drawn
 // again after an erase (the display rectangle reaches into it).
@@ -169,7 +165,9 @@ void MNDISP(bool& status) {
     } else if (selection == 3) {
       CTDISP(status);
     } else {
-      notInThisVersion();
+      // the hardcopy of the picture, asked in the terminal; then the window again
+      PLKNTR(status);
+      if (!status) redraw(status);
     }
     if (status) return;
   }

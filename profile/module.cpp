@@ -85,12 +85,6 @@ void SCKNTR(bool& status) {
 
 namespace {
 
-// What a row says when its part of the program is not in this version.
-void notInThisVersion() {
-  framework::ERRSCN("Not implemented in this version{nwl{gre(version is " +
-                    std::string(fmt::trimmed(framework::program().SPVERS)) + ")");
-}
-
 // Selection numbers of the main menu.
 enum MainSelection {
   BoxRow = 1,

@@ -21,12 +21,6 @@ namespace kntr::profile {
 
 namespace {
 
-// A row of this version that does nothing yet.
-void notInThisVersion() {
-  framework::ERRSCN("Not implemented in this version{nwl{gre(version is " +
-                    std::string(fmt::trimmed(framework::program().SPVERS)) + ")");
-}
-
 // The plot's scale: 0 to fit the page, else N of 1:N. False on "$".
 bool askPlotScale(double& denominator) {
   for (;;) {
@@ -45,6 +39,57 @@ bool askPlotScale(double& denominator) {
     }
     denominator = value[0];
     return true;
+  }
+}
+
+// "/* Setup of Colors": a thing of the picture and its colour (0..15).
+void setupColours(bool& status) {
+  DisplayLook& look = displayLook();
+  for (;;) {
+    std::vector<std::string> rows;
+    for (int k = 0; k < ThingCount; ++k)
+      rows.push_back(std::string(ThingNames[k]) + " (" + std::to_string(look.colour[k]) + ")");
+    bool abort = false;
+    int selection = 0;
+    framework::TXMENU("SETUP OF COLORS", rows, 0,
+                      "The colour of each thing of the picture, on the screen and on a plot", abort,
+                      selection, status);
+    if (status || abort || selection < 1 || selection > ThingCount) return;
+    for (;;) {
+      bool failed = false;
+      framework::ASKQST("Input colour number (0..15)", std::to_string(look.colour[selection - 1]),
+                        "0 is the background; 1 white, 2 red, 3 yellow, 4 green, 5 cyan, 6 blue, "
+                        "7 magenta, 8 to 15 further colours",
+                        1, abort, failed);
+      if (abort || failed) break;
+      std::array<int, 1> value{look.colour[selection - 1]};
+      bool none = false;
+      framework::GTINTV(value, none, failed);
+      if (failed) continue;
+      if (value[0] < 0 || value[0] > 15) {
+        framework::ERRSCN("Colour number must be in [0,15]!");
+        continue;
+      }
+      look.colour[selection - 1] = value[0];
+      break;
+    }
+  }
+}
+
+// "/* Visibility of ...": toggles of what the picture shows.
+template <std::size_t N>
+void visibilityMenu(const char* title, const std::array<const char*, N>& names,
+                    const std::array<bool*, N>& flags, bool& status) {
+  for (;;) {
+    std::vector<std::string> rows;
+    for (std::size_t k = 0; k < N; ++k)
+      rows.push_back(std::string(names[k]) + " " + framework::logicalStateText(*flags[k]));
+    bool abort = false;
+    int selection = 0;
+    framework::TXMENU(title, rows, 0, "Each row turns its part of the picture on or off", abort,
+                      selection, status);
+    if (status || abort || selection < 1 || selection > static_cast<int>(N)) return;
+    *flags[selection - 1] = !*flags[selection - 1];
   }
 }
 
@@ -72,11 +117,27 @@ void MNSTPA(bool& cancelled, bool& status) {
         if (status) return;
         break;
       case 1:
-      case 3:
-      case 4:
-      case 5:
-        notInThisVersion();
+        // a profile lies in its own plane: there is no other projection
+        framework::PRMESG("The profile is plotted in its plane (XY), seen from above");
         break;
+      case 3:
+        setupColours(status);
+        if (status) return;
+        break;
+      case 4: {
+        DisplayLook& look = displayLook();
+        visibilityMenu<1>("VISIBILITY OF LABELS", {"Point labels"}, {&look.labels}, status);
+        if (status) return;
+        break;
+      }
+      case 5: {
+        DisplayLook& look = displayLook();
+        visibilityMenu<4>("VISIBILITY OF ENTITIES",
+                          {"Reference point", "Point marks", "Snap line", "Interior mesh"},
+                          {&look.reference, &look.marks, &look.snapLine, &look.mesh}, status);
+        if (status) return;
+        break;
+      }
       default:
         return;
     }

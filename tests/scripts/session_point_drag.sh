@@ -12,7 +12,7 @@ mkdir -p "$HOME/T-cnfg"
 
 box=$'1\n0,10\n0,5\n'
 curve=$'2\n1\n0,0\n1,1\n1\n3,2\n1\n5,2.5\n1\n7,2\n1\n9,1\n1\n\nno\n'
-save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n7\n4\n#item 4\n'; }
+save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n11\n4\n#item 4\n'; }
 session="$box$curve"$'4\n#button DYN\n#item 4\n#item 2\n'
 # Free: point 3 to (6, 3), ended by a pick, with a picture on the way.
 session+=$'#item 1\n3\n#move 5, 3\n#move 5.5, 3.5\n#picture rubber.png\n#pick 6, 3\n$\n'

@@ -15,7 +15,7 @@ box=$'1\n0,10\n0,5\n'
 open=$'2\n1\n0,0\n1,1\n1\n3,2\n1\n5,2.5\n1\n7,2\n1\n9,1\n1\n\nno\n'
 closed=$'2\n6,3\n1\n8,3\n1\n8,4.5\n1\n6,4.5\n1\n\nyes\n'
 short=$'2\n2,4\n1\n3,4.5\n1\n4,4\n1\n\nno\n'
-save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n7\n4\n#item 4\n'; }
+save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n11\n4\n#item 4\n'; }
 # Curve 1 current, point editing.
 session="$box$open$closed$short"$'4\n#item 1\n#item 4\n'
 save r0.knt

@@ -12,7 +12,7 @@ mkdir -p "$HOME/T-cnfg"
 box=$'1\n0,10\n0,5\n'
 curve=$'2\n1\n0,0\n1,1\n1\n3,2\n1\n5,2.5\n1\n7,2\n1\n9,1\n1\n\nno\n'
 # Leave the window, save under a name, come back to point editing.
-save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n7\n4\n#item 4\n'; }
+save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n11\n4\n#item 4\n'; }
 # Insert at a given X (row 2) on segment 2, X = 4; the segment question
 # comes again, a cancel ends it.
 insert=$'#item 1\n#item 2\n2\n4\n$\n#item 5\n#picture inserted.png\n'
@@ -23,7 +23,7 @@ displace=$'#item 2\n#item 3\n4\n4\n$\n#item 7\n'
 fair=$'#item 3\n#item 1\n4\n#picture faired.png\n#item 9\n'
 # Delete point 2.
 delete=$'#item 4\n2\n$\n#picture deleted.png\n'
-session="$box$curve"$'8\n3\nstart.knt\n\n\n7\n4\n#item 4\n'
+session="$box$curve"$'8\n3\nstart.knt\n\n\n11\n4\n#item 4\n'
 session+="$insert"; save inserted.knt; session+="$move"; save moved.knt
 session+="$displace"; save displaced.knt; session+="$fair"; save faired.knt
 session+="$delete"; save deleted.knt; session+=$'#item 6\n#item 12\n9\nyes\n'

@@ -10,8 +10,8 @@ mkdir -p "$HOME/T-cnfg"
 
 box=$'1\n0,10\n0,5\n'
 curve=$'2\n1\n0,0\n1,1\n1\n3,2\n1\n5,2.5\n1\n7,2\n1\n9,1\n1\n\nno\n'
-save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n7\n4\n#item 4\n'; }
-session="$box$curve"$'8\n3\nstart.knt\n\n\n7\n4\n#item 4\n'
+save() { session+=$'#item 6\n#item 12\n8\n3\n'"$1"$'\n\n\n11\n4\n#item 4\n'; }
+session="$box$curve"$'8\n3\nstart.knt\n\n\n11\n4\n#item 4\n'
 # 1: insert free on segment 2 at (4, 3).
 session+=$'#item 1\n#item 1\n2\n4,3\n$\n#item 5\n'
 # 2: move point 1 to X = 0.5; an undo at the coordinate question is refused.
