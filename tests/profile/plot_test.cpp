@@ -1,6 +1,7 @@
 // The plot dialogue: the set-up menu, the medium, the paper and the file,
 // the scale, and the plot file it leaves; its refusals.
 #include "profile/plot.h"
+#include "profile/display.h"
 
 #include <gtest/gtest.h>
 
@@ -104,10 +105,14 @@ TEST_F(PlotDialogue, RefusalsAndCancels) {
   script("\n3\n\n$\n");
   EXPECT_STATUS(false, PLKNTR(status));
   EXPECT_TRUE(Contains(output(), "No files available"));
-  // The rows of this version that do nothing say so.
-  script("3\n\n\n$\n");
+  // The colours of the picture's things, and what it shows.
+  script("3\n1\n16\n\n5\n$\n4\n1\n$\n\n$\n");
   EXPECT_STATUS(false, PLKNTR(status));
-  EXPECT_TRUE(Contains(output(), "Not implemented in this version"));
+  EXPECT_TRUE(Contains(output(), {"SETUP OF COLORS", "Colour number must be in [0,15]!",
+                                  "VISIBILITY OF LABELS"}));
+  EXPECT_EQ(displayLook().colour[ReferenceThing], 5);
+  EXPECT_FALSE(displayLook().labels);
+  displayLook() = DisplayLook{};
   // The titles' menu switches the heading.
   ASSERT_TRUE(graphics::plotTitles().heading);
   script("2\n1\n\n\n$\n");
