@@ -300,9 +300,16 @@ void digitizingMenu(bool& status) {
         if (!yes) continue;
       }
       bool failed = false;
+      const gr::ViewState before = gr::viewState();
       gr::DGSCAL(3, 1, 0, failed);
-      if (failed) continue;
-      scaled = true;
+      // an aborted calibration leaves the digitizer as it was
+      const gr::ViewState& after = gr::viewState();
+      const bool calibrated = after.r1 != before.r1 || after.s1 != before.s1 ||
+                              after.r2 != before.r2 || after.s2 != before.s2 ||
+                              after.r3 != before.r3 || after.s3 != before.s3 ||
+                              after.X1 != before.X1 || after.Y1 != before.Y1 ||
+                              after.X2 != before.X2 || after.Y3 != before.Y3;
+      if (!failed && calibrated) scaled = true;
       redraw(status);
       if (status) return;
       continue;
