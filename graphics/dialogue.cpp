@@ -44,6 +44,7 @@ constexpr int MessageColour = 4;
 
 RedrawClient windowClient = nullptr;
 UnderlayHandler underlayHandler = nullptr;
+QuestionTracker questionTracker = nullptr;
 bool headlessNoted = false;
 
 // Runs `draw` with clip mode "off" and the text state kept.
@@ -414,8 +415,9 @@ bool eventLine(const std::string& word, std::string_view rest, GraphicAnswer& an
   }
   if (w == "MOVE") {
     double a = 0, b = 0;
-    twoReals(argument, a, b);
-    return false;  // a move answers only the tracking waits
+    // a move answers no question; a question that follows the pointer sees it
+    if (twoReals(argument, a, b) && questionTracker) questionTracker(a, b);
+    return false;
   }
   if (w == "ITEM") {
     fw::Answer parsed;
@@ -659,12 +661,19 @@ void GQUEST(std::string_view question, std::string_view deflt, std::string_view 
     fw::OUTSCN("{yel" + std::string(fmt::trimmed(question)) + " {gre" + defaultText);
     flushPlot();
     platform::WindowEvent e;
-    platform::cwNextEvent(e, false);
+    platform::cwNextEvent(e, questionTracker != nullptr);
     std::string lineText;
     switch (e.kind) {
       case platform::EventKind::Closed:
         abort = true;
         return;
+      case platform::EventKind::Move: {
+        // the pointer followed while the question waits (a rubber band)
+        double x, y;
+        deviceToWorld(e.x, e.y, x, y);
+        if (questionTracker) questionTracker(x, y);
+        continue;
+      }
       case platform::EventKind::Key:
         if (e.key == 13) {
           lineText = m.typed;
@@ -936,5 +945,7 @@ std::string graphicAnswerHelp() {
 }
 
 void setUnderlayHandler(UnderlayHandler handler) { underlayHandler = handler; }
+
+void setQuestionTracker(QuestionTracker tracker) { questionTracker = tracker; }
 
 }  // namespace kntr::graphics

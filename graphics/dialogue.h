@@ -88,6 +88,10 @@ void GQUEST(std::string_view question, std::string_view deflt, std::string_view 
 void GSELCT(std::string_view heading, std::span<const std::string> items,
             std::string_view prompt, std::string_view help, int& selection, bool& abort);
 void GPRMPT(int line, std::string_view text);
+// setQuestionTracker: a routine that sees each pointer move (and "#move X, Y")
+// while GQUEST waits, in world units, until it is set back to null.
+using QuestionTracker = void (*)(double x, double y);
+void setQuestionTracker(QuestionTracker tracker);
 // setUnderlayHandler: the client routine that takes "#underlay FILE".
 using UnderlayHandler = void (*)(std::string_view file);
 void setUnderlayHandler(UnderlayHandler handler);

@@ -40,6 +40,28 @@ void redraw(bool& status) {
   if (!status) picture(false, status);
 }
 
+// The rubber band from the latest point of the new curve to the pointer.
+void rubberBand(double x, double y) {
+  const ProfileData& p = profile();
+  const int c = p.NPRCRV;
+  if (c < 1 || p.NPRPNT(c) < 1) return;
+  bool status = false;
+  picture(true, status);
+  if (!status) picture(false, status);
+  if (status) return;
+  const int j = p.NPRPNT(c);
+  gr::GCOLOR(CurveColour);
+  gr::GMOVE2(p.PRPNTS(c, j)(1), p.PRPNTS(c, j)(2));
+  gr::GDRAW2(std::clamp(x, p.PRBBOX(1), p.PRBBOX(2)), std::clamp(y, p.PRBBOX(3), p.PRBBOX(4)));
+  gr::flushPlot();
+}
+
+// The band follows the pointer while a curve's points are asked.
+struct BandOn {
+  BandOn() { gr::setQuestionTracker(rubberBand); }
+  ~BandOn() { gr::setQuestionTracker(nullptr); }
+};
+
 // How a point of a new curve is asked and stored.
 struct PointInput {
   const char* title;
@@ -54,6 +76,7 @@ struct PointInput {
 // when the curve is to be thrown away (a cancel); `closedOut` tells how it
 // ended.
 bool inputPoints(const PointInput& in, bool& status) {
+  const BandOn band;
   ProfileData& p = profile();
   const int c = p.NPRCRV;
   const bool spline = p.PRFTYP == SplineProfile;

@@ -1,13 +1,15 @@
 # Curves made in the window: a closed spline of six points by picks, one of
 # them made a knuckle, a second curve by keyed points and then deleted, and
 # a creation cancelled; the saved file holds exactly the first curve.
+pictures="$(cd "$(dirname "$0")" && pwd)/pictures.py"
 source "$(dirname "$0")/lib.sh"
 unset DISPLAY
 
 box=$'1\n0,10\n0,5\n'
 # Create (3) in an empty profile: spline type (1), reference point keyed.
 create=$'4\n#item 3\n#item 1\n0.5,0.5\n'
-create+=$'#pick 1, 1\n#pick 3, 1\n#item 1\n#pick 4, 3\n#pick 3, 4\n#pick 2, 4.5\n#pick 1, 3\n#item 3\n'
+# The pointer moved before the third point: a rubber band follows it.
+create+=$'#pick 1, 1\n#pick 3, 1\n#item 1\n#picture noband.png\n#move 4.5, 3.5\n#picture band.png\n#pick 4, 3\n#pick 3, 4\n#pick 2, 4.5\n#pick 1, 3\n#item 3\n'
 create+=$'#picture created.png\n'
 # A second curve keyed in and taken off with DONE, then deleted (5); a
 # third cancelled (row 2) after two points.
@@ -18,6 +20,9 @@ run_kntr "demo"$'\nyes\nACME\nme\n'"$box$create$second$cancelled$save"$'9\nyes\n
 check "exit status 0" test "$status" -eq 0
 check "creation menu" contains out "PROFILE CURVE CREATION"
 check "pictures written" test -s created.png -a -s after.png
+before=$(python3 "$pictures" count noband.png green)
+after=$(python3 "$pictures" count band.png green)
+check "a rubber band to the pointer ($before -> $after green pixels)" test "$after" -gt $((before + 40))
 records() { tail -n +13 demo.KNT; }
 check "one curve saved" test "$(records | awk 'NR == 1 {print $3}')" = "1"
 check "reference point keyed" test "$(records | awk 'NR == 3')" = "0.5 0.5"
