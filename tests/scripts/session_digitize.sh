@@ -25,25 +25,61 @@ open("drawing.png", "wb").write(png)
 PY
 
 box=$'1\n0,10\n0,5\n'
+# predicted W H X Y: the window pixel of model point (X, Y) for the box
+# 0..10 x 0..5 on a window of W x H, through the margins of the window's
+# frame and equal units on both axes.
+predicted() {
+  python3 - "$@" <<'PY'
+import sys
+W, H, x, y = (float(v) for v in sys.argv[1:])
+asp = H / W
+fx = 0.03 * asp
+ml, mr, mb, mt = fx, 0.2 + fx, 0.1 + 0.03, 0.05 + 0.03
+x0, x1, y0, y1 = 0.0, 10.0, 0.0, 5.0
+a, b = 1 - ml - mr, 1 - mt - mb
+w, h = x1 - x0, y1 - y0
+r = (a / b) * (h / w) / asp
+d = asp * w / a - h / b
+ex, ey = (0.0, 0.5 - r / 2) if d > 0 else (0.5 - 1 / (2 * r), 0.0)
+X0 = x0 - (ex + ml / a) * w / (1 - 2 * ex)
+X1 = x1 + (ex + mr / a) * w / (1 - 2 * ex)
+Y0 = y0 - (ey + mb / b) * h / (1 - 2 * ey)
+Y1 = y1 + (ey + mt / b) * h / (1 - 2 * ey)
+print(round((W - 1) * (x - X0) / (X1 - X0)), round((H - 1) * (1 - (y - Y0) / (Y1 - Y0))))
+PY
+}
+# pixel_of U V: "PX, PY", the window pixel under pixel (U, V) of the drawing
+# (600 x 300, filling the box 0..10 x 0..5).
+pixel_of() {
+  read -r px py < <(predicted 1280 960 "$(python3 -c "print($1 / 60)")" "$(python3 -c "print(5 - $2 / 60)")")
+  echo "$px, $py"
+}
 # Digitize profile (3): the drawing under the plot (row 3), then scale the
 # digitizer (1) on three points of the plot with the drawing's coordinates:
 # in the drawing's units a plot point (u, v) is (2 + u/2, 1 + v/2).
 digitize=$'3\n#item 3\ndrawing.png\n#picture underlay.png\n#item 1\n'
 digitize+=$'#pick 2, 1\n3,1.5\n#pick 8, 1\n6\n#pick 2, 4\n3\n'
-# Create (2): reference point, then four points around the rectangle; DONE.
-digitize+=$'#item 2\n#pick 5, 2.5\n#pick 4, 2\n#pick 6, 2\n#pick 6, 3\n#pick 4, 3\n#item 3\n#picture digitized.png\n#item 4\n'
+# Create (2): reference point, then the rectangle's four corners by the
+# window pixels under the drawing's pixels; DONE.
+digitize+=$'#item 2\n#pick 5, 2.5\n'
+for corner in "240 180" "360 180" "360 120" "240 120"; do
+  digitize+="#pixel $(pixel_of $corner)"$'\n'
+done
+digitize+=$'#item 3\n#picture digitized.png\n#item 4\n'
 save=$'8\n2\n\n\n11\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$digitize$save"$'9\nyes\n'
 check "exit status 0" test "$status" -eq 0
 check "digitizing menu" contains out "PROFILE DIGITIZING"
 check "the calibration asked for the fix-point" contains out "Digitize a known fix-point"
 check "the drawing shows under the plot" test "$(python3 "$pictures" count underlay.png blue)" -gt 100
-check "digitized points in the drawing's units" python3 - <<'PY'
+# A window pixel is about 10/990 of the box; in the drawing's units half of
+# that is 0.0026.
+check "digitized points in the drawing's units, within half a pixel" python3 - <<'PY'
 rows = [l.split() for l in open("demo.KNT").read().splitlines()[12:]]
 assert rows[2] == ["4.5", "2.25"], rows[2]          # the reference point
 pts = [(float(r[2]), float(r[3])) for r in rows[4:] if len(r) == 4]
 want = [(4, 2), (5, 2), (5, 2.5), (4, 2.5)]
 assert len(pts) == 4, pts
-assert all(abs(a - c) < 1e-9 and abs(b - d) < 1e-9 for (a, b), (c, d) in zip(pts, want)), pts
+assert all(abs(a - c) < 0.0026 and abs(b - d) < 0.0026 for (a, b), (c, d) in zip(pts, want)), pts
 PY
 finish
