@@ -11,7 +11,12 @@
 #include <cstdlib>
 #include <cerrno>
 #include <cstdio>
+#include <csetjmp>
 #include <cstring>
+#include <vector>
+
+// libjpeg needs FILE declared before it
+#include <jpeglib.h>
 
 namespace kntr::platform {
 
@@ -24,6 +29,74 @@ std::string temporaryName(const std::string& path) {
 
 // Line width in device units for width index 1..3.
 double lineWidthOf(int index) { return index <= 1 ? 1.0 : index == 2 ? 2.0 : 3.0; }
+
+// A libjpeg error: back to the caller through the jump buffer, so a bad
+// file is refused instead of ending the program.
+struct JpegError {
+  jpeg_error_mgr manager;
+  std::jmp_buf jump;
+};
+
+void jpegFailed(j_common_ptr info) {
+  std::longjmp(reinterpret_cast<JpegError*>(info->err)->jump, 1);
+}
+
+// A JPEG file as an image surface, or null when it cannot be read.
+cairo_surface_t* readJpeg(const char* path) {
+  std::FILE* file = std::fopen(path, "rb");
+  if (!file) return nullptr;
+  jpeg_decompress_struct info;
+  JpegError error;
+  info.err = jpeg_std_error(&error.manager);
+  error.manager.error_exit = jpegFailed;
+  cairo_surface_t* volatile surface = nullptr;
+  if (setjmp(error.jump)) {
+    jpeg_destroy_decompress(&info);
+    std::fclose(file);
+    if (surface) cairo_surface_destroy(surface);
+    return nullptr;
+  }
+  jpeg_create_decompress(&info);
+  jpeg_stdio_src(&info, file);
+  jpeg_read_header(&info, TRUE);
+  info.out_color_space = JCS_RGB;
+  jpeg_start_decompress(&info);
+  const int w = static_cast<int>(info.output_width), h = static_cast<int>(info.output_height);
+  surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h);
+  cairo_surface_flush(surface);
+  unsigned char* data = cairo_image_surface_get_data(surface);
+  const int stride = cairo_image_surface_get_stride(surface);
+  std::vector<unsigned char> row(3 * static_cast<std::size_t>(w));
+  while (info.output_scanline < info.output_height) {
+    const int y = static_cast<int>(info.output_scanline);
+    JSAMPROW rows[1] = {row.data()};
+    jpeg_read_scanlines(&info, rows, 1);
+    for (int x = 0; x < w; ++x) {
+      const std::uint32_t v = (std::uint32_t(row[3 * x]) << 16) |
+                              (std::uint32_t(row[3 * x + 1]) << 8) | row[3 * x + 2];
+      std::memcpy(data + y * stride + 4 * x, &v, 4);
+    }
+  }
+  cairo_surface_mark_dirty(surface);
+  jpeg_finish_decompress(&info);
+  jpeg_destroy_decompress(&info);
+  std::fclose(file);
+  return surface;
+}
+
+// A picture file, PNG or JPEG by its first bytes, as an image surface.
+cairo_surface_t* readPicture(const std::string& path) {
+  unsigned char magic[2] = {0, 0};
+  if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
+    if (std::fread(magic, 1, 2, f) != 2) magic[0] = 0;
+    std::fclose(f);
+  }
+  if (magic[0] == 0xFF && magic[1] == 0xD8) {
+    if (cairo_surface_t* s = readJpeg(path.c_str())) return s;
+    return cairo_image_surface_create(CAIRO_FORMAT_INVALID, 0, 0);
+  }
+  return cairo_image_surface_create_from_png(path.c_str());
+}
 
 }  // namespace
 
@@ -253,7 +326,7 @@ bool CairoDevice::picture(const std::string& path, double left, double top, doub
   strokePending();
   if (path != imagePath_ || !image_surface_) {
     if (image_surface_) cairo_surface_destroy(image_surface_);
-    image_surface_ = cairo_image_surface_create_from_png(path.c_str());
+    image_surface_ = readPicture(path);
     imagePath_ = path;
   }
   if (cairo_surface_status(image_surface_) != CAIRO_STATUS_SUCCESS) return false;

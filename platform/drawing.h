@@ -65,7 +65,7 @@ class Device {
   virtual void hairline(bool on) { (void)on; }
   // flush: finish what is pending, so that the surface shows all of it.
   virtual void flush() {}
-  // picture: the PNG file `path` stretched over the rectangle; false when
+  // picture: the PNG or JPEG file `path` stretched over the rectangle; false when
   // the device shows no pictures or the file cannot be read.
   virtual bool picture(const std::string& path, double left, double top, double right,
                      double bottom) {

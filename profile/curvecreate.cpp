@@ -304,7 +304,7 @@ void digitizingMenu(bool& status) {
       // a scanned drawing under the plot, to digitize off
       gr::GraphicAnswer answer;
       bool cancel = false, failed = false;
-      gr::GQUEST("Input name of drawing (PNG) to show under the plot, or none",
+      gr::GQUEST("Input name of drawing (PNG or JPEG) to show under the plot, or none",
                  underlayFile().empty() ? " " : underlayFile(),
                  "The drawing fills the bounding box; calibrate the digitizer on its known points",
                  1, answer, cancel, failed);

@@ -362,7 +362,7 @@ void DPKNTR(bool erase, bool rescale, bool& status) {
     const std::string file = underlay();
     underlay().clear();  // before the message, whose box repaints the picture
     framework::ERRSCN("Cannot show the drawing " + framework::literal(file) +
-                      " (a PNG picture is needed)");
+                      " (a PNG or JPEG picture is needed)");
   }
   if (p.SHOWGR && p.BBOXOK) {
     graphics::plotState().grid =
@@ -409,7 +409,7 @@ void UNDRLY(std::string_view file) {
   const std::string name = fmt::stripped(file);
   bool status = false;
   if (name.empty()) {
-    framework::ERRSCN("Name the drawing: #underlay FILE (a PNG picture), or #underlay none");
+    framework::ERRSCN("Name the drawing: #underlay FILE (a PNG or JPEG picture), or #underlay none");
     return;
   }
   if (fmt::upper(name) != "NONE" && !framework::fileExists(name)) {

@@ -11,7 +11,7 @@
 //   pointLabel  the label of a point: its type letters and its number
 //   REDRAW  erase and draw the whole picture
 //   displayLook  the colours of the things and what the picture shows
-//   setUnderlay  a drawing (PNG) shown under the picture in the window
+//   setUnderlay  a drawing (PNG or JPEG) shown under the picture in the window
 //   UNDRLY  take a drawing as the underlay: check it, erase, set, draw
 #pragma once
 
@@ -101,12 +101,12 @@ void drawMeshQuality(View1<const XY> vertices, View1<const mesher::Triangle> tri
 std::string pointLabel(int c, int j);
 // REDRAW: DPKNTR erase, then DPKNTR draw.
 void REDRAW(bool& status);
-// setUnderlay: the PNG file stretched over the box below the grid, on the
+// setUnderlay: the PNG or JPEG file stretched over the box below the grid, on the
 // window only (never on hardcopy); empty for none.
 void setUnderlay(const std::string& file);
 const std::string& underlayFile();
 // UNDRLY: the answer "#underlay FILE" or the digitizing menu's row: a
-// readable PNG becomes the underlay ("none" removes it), and the picture is
+// readable PNG or JPEG becomes the underlay ("none" removes it), and the picture is
 // drawn again.
 void UNDRLY(std::string_view file);
 

@@ -23,6 +23,10 @@ png = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", w, h, 8, 2, 
 png += chunk(b"IDAT", zlib.compress(b"".join(rows))) + chunk(b"IEND", b"")
 open("drawing.png", "wb").write(png)
 PY
+# The same drawing as a JPEG (a scanner's usual form), and a file that is
+# no picture at all.
+/usr/bin/convert drawing.png -quality 95 drawing.jpg
+echo "not a picture" >notes.txt
 
 box=$'1\n0,10\n0,5\n'
 # predicted W H X Y: the window pixel of model point (X, Y) for the box
@@ -65,13 +69,18 @@ digitize+=$'#item 2\n#pick 5, 2.5\n'
 for corner in "240 180" "360 180" "360 120" "240 120"; do
   digitize+="#pixel $(pixel_of $corner)"$'\n'
 done
-digitize+=$'#item 3\n#picture digitized.png\n#item 4\n'
+digitize+=$'#item 3\n#picture digitized.png\n'
+# The JPEG under the plot instead; a file that is no picture is refused.
+digitize+=$'#underlay drawing.jpg\n#picture jpeg.png\n#underlay notes.txt\n\n#picture none.png\n#item 4\n'
 save=$'8\n2\n\n\n11\n'
 run_kntr "demo"$'\nyes\nACME\nme\n'"$box$digitize$save"$'9\nyes\n'
 check "exit status 0" test "$status" -eq 0
 check "digitizing menu" contains out "PROFILE DIGITIZING"
 check "the calibration asked for the fix-point" contains out "Digitize a known fix-point"
 check "the drawing shows under the plot" test "$(python3 "$pictures" count underlay.png blue)" -gt 100
+check "a JPEG drawing shows too" test "$(python3 "$pictures" count jpeg.png blue)" -gt 100
+check "a file that is no picture is refused" contains out "Cannot show the drawing"
+check "and no drawing stays under the plot" test "$(python3 "$pictures" count none.png blue)" -lt 20
 # A window pixel is about 10/990 of the box; in the drawing's units half of
 # that is 0.0026.
 check "digitized points in the drawing's units, within half a pixel" python3 - <<'PY'
