@@ -13,42 +13,17 @@
 #include "platform/cairodevice.h"
 #include "platform/console.h"
 #include "profile/block.h"
+#include "reference_profile.h"
 #include "profile/module.h"
 #include "profile/pointedit.h"
 
 namespace kntr::profile {
 namespace {
 
-constexpr double Pi = 3.141592653589793;
-
-// One outer curve and nine round holes, 100 points each, in a 100 by 100 box.
+// The benchmarks' profile of ten curves.
 void buildProfile() {
-  platform::testconsole::attach("");
-  resetProfileBlock();
-  ProfileData& p = profile();
-  p.PRFTYP = SplineProfile;
-  p.PRBBOX = Array1<double, 4>{{0.0, 100.0, 0.0, 100.0}};
-  p.BBOXOK = true;
-  p.PRREFP = Array1<double, 2>{{50.0, 50.0}};
-  IZACCY();
-  p.NPRCRV = MaxCurves;
-  for (int c = 1; c <= MaxCurves; ++c) {
-    const bool outer = c == 1;
-    const double cx = outer ? 50.0 : 30.0 + 20.0 * ((c - 2) % 3);
-    const double cy = outer ? 50.0 : 30.0 + 20.0 * ((c - 2) / 3);
-    const double r = outer ? 48.0 : 6.0;
-    p.NPRPNT(c) = MaxCurvePoints;
-    p.PRCLSD(c) = true;
-    p.PRPARM(c) = ChordLength;
-    for (int j = 1; j <= MaxCurvePoints; ++j) {
-      const double a = 2.0 * Pi * (j - 1) / MaxCurvePoints;
-      p.PRPNTS(c, j) = Array1<double, 2>{{cx + r * std::cos(a), cy + r * std::sin(a)}};
-      p.PRPTYP(c, j) = j % 10 == 0 ? Knuckle : ContinuousCurvature;
-      p.PRKWGT(c, j) = j % 10 == 0 ? 1.0 : 0.0;
-    }
-  }
-  p.CURCRV = 1;
-  p.CURPNT = 25;
+  bench::buildTenCurveProfile();
+  profile().CURPNT = 25;
 }
 
 // The drag of point 25 of the outer curve (at the top) up and down by a

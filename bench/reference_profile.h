@@ -2,6 +2,7 @@
 // by the module's own data file reader, and the arrays a mesh run fills.
 #pragma once
 
+#include <cmath>
 #include <string>
 
 #include "framework/onebased.h"
@@ -32,6 +33,40 @@ struct Result {
 inline Result& result() {
   static Result r;
   return r;
+}
+
+
+// One outer curve and nine round holes, 100 points each (every tenth a
+// knuckle), in a 100 by 100 box: the picture the drawing benchmarks draw.
+inline void buildTenCurveProfile() {
+  constexpr double Pi = 3.141592653589793;
+  platform::testconsole::attach("");
+  profile::resetProfileBlock();
+  profile::ProfileData& p = profile::profile();
+  p.PRFTYP = profile::SplineProfile;
+  p.PRBBOX = Array1<double, 4>{{0.0, 100.0, 0.0, 100.0}};
+  p.BBOXOK = true;
+  p.PRREFP = Array1<double, 2>{{50.0, 50.0}};
+  profile::IZACCY();
+  p.NPRCRV = profile::MaxCurves;
+  for (int c = 1; c <= profile::MaxCurves; ++c) {
+    const bool outer = c == 1;
+    const double cx = outer ? 50.0 : 30.0 + 20.0 * ((c - 2) % 3);
+    const double cy = outer ? 50.0 : 30.0 + 20.0 * ((c - 2) / 3);
+    const double r = outer ? 48.0 : 6.0;
+    p.NPRPNT(c) = profile::MaxCurvePoints;
+    p.PRCLSD(c) = true;
+    p.PRPARM(c) = profile::ChordLength;
+    for (int j = 1; j <= profile::MaxCurvePoints; ++j) {
+      const double a = 2.0 * Pi * (j - 1) / profile::MaxCurvePoints;
+      p.PRPNTS(c, j) = Array1<double, 2>{{cx + r * std::cos(a), cy + r * std::sin(a)}};
+      const bool knuckle = j % 10 == 0;
+      p.PRPTYP(c, j) = knuckle ? profile::Knuckle : profile::ContinuousCurvature;
+      p.PRKWGT(c, j) = knuckle ? 1.0 : 0.0;
+    }
+  }
+  p.CURCRV = 1;
+  p.CURPNT = 1;
 }
 
 }  // namespace kntr::bench

@@ -14,41 +14,15 @@
 #include "platform/console.h"
 #include "platform/window.h"
 #include "profile/block.h"
+#include "reference_profile.h"
 #include "profile/display.h"
 #include "profile/module.h"
 
 namespace kntr::profile {
 namespace {
 
-constexpr double Pi = 3.141592653589793;
-
-// Ten closed spline curves of 100 points in a 100 by 100 box.
-void buildProfile() {
-  platform::testconsole::attach("");
-  resetProfileBlock();
-  ProfileData& p = profile();
-  p.PRFTYP = SplineProfile;
-  p.PRBBOX = Array1<double, 4>{{0.0, 100.0, 0.0, 100.0}};
-  p.BBOXOK = true;
-  p.PRREFP = Array1<double, 2>{{50.0, 50.0}};
-  IZACCY();
-  p.NPRCRV = MaxCurves;
-  for (int c = 1; c <= MaxCurves; ++c) {
-    const double cx = c == 1 ? 50.0 : 30.0 + 20.0 * ((c - 2) % 3);
-    const double cy = c == 1 ? 50.0 : 30.0 + 20.0 * ((c - 2) / 3);
-    const double r = c == 1 ? 48.0 : 6.0;
-    p.NPRPNT(c) = MaxCurvePoints;
-    p.PRCLSD(c) = true;
-    p.PRPARM(c) = ChordLength;
-    for (int j = 1; j <= MaxCurvePoints; ++j) {
-      const double a = 2.0 * Pi * (j - 1) / MaxCurvePoints;
-      p.PRPNTS(c, j) = Array1<double, 2>{{cx + r * std::cos(a), cy + r * std::sin(a)}};
-      p.PRPTYP(c, j) = ContinuousCurvature;
-    }
-  }
-  p.CURCRV = 1;
-  p.CURPNT = 1;
-}
+// The benchmarks' profile of ten curves.
+void buildProfile() { bench::buildTenCurveProfile(); }
 
 // The window open on the display, with the profile and a menu drawn.
 bool openWindow(benchmark::State& state) {

@@ -48,33 +48,6 @@ ProfilePolylines& polylines() {
   return lines;
 }
 
-// Cut the line through (x1, y1) and (x2, y2), extended both ways, to the
-// box; false when it misses the box or the two points coincide.
-bool lineThroughBox(double x1, double y1, double x2, double y2, double& ax, double& ay,
-                    double& bx, double& by) {
-  const ProfileData& p = profile();
-  const double dx = x2 - x1, dy = y2 - y1;
-  if (dx == 0.0 && dy == 0.0) return false;
-  double t0 = -HUGE_VAL, t1 = HUGE_VAL;
-  const double lo[2] = {p.PRBBOX(1), p.PRBBOX(3)}, hi[2] = {p.PRBBOX(2), p.PRBBOX(4)};
-  const double o[2] = {x1, y1}, d[2] = {dx, dy};
-  for (int k = 0; k < 2; ++k) {
-    if (d[k] == 0.0) {
-      if (o[k] < lo[k] || o[k] > hi[k]) return false;
-      continue;
-    }
-    double ta = (lo[k] - o[k]) / d[k], tb = (hi[k] - o[k]) / d[k];
-    if (ta > tb) std::swap(ta, tb);
-    t0 = std::max(t0, ta);
-    t1 = std::min(t1, tb);
-  }
-  if (!(t0 < t1)) return false;
-  ax = x1 + t0 * dx;
-  ay = y1 + t0 * dy;
-  bx = x1 + t1 * dx;
-  by = y1 + t1 * dy;
-  return true;
-}
 
 // A label beside a point: a little to the right, centred on it.
 void labelAt(double x, double y, const std::string& text) {
@@ -115,6 +88,32 @@ void lineAcrossBox(const Array1<double, 4>& line, int colour) {
 }
 
 }  // namespace
+
+bool lineThroughBox(double x1, double y1, double x2, double y2, double& ax, double& ay,
+                    double& bx, double& by) {
+  const ProfileData& p = profile();
+  const double dx = x2 - x1, dy = y2 - y1;
+  if (dx == 0.0 && dy == 0.0) return false;
+  double t0 = -HUGE_VAL, t1 = HUGE_VAL;
+  const double lo[2] = {p.PRBBOX(1), p.PRBBOX(3)}, hi[2] = {p.PRBBOX(2), p.PRBBOX(4)};
+  const double o[2] = {x1, y1}, d[2] = {dx, dy};
+  for (int k = 0; k < 2; ++k) {
+    if (d[k] == 0.0) {
+      if (o[k] < lo[k] || o[k] > hi[k]) return false;
+      continue;
+    }
+    double ta = (lo[k] - o[k]) / d[k], tb = (hi[k] - o[k]) / d[k];
+    if (ta > tb) std::swap(ta, tb);
+    t0 = std::max(t0, ta);
+    t1 = std::min(t1, tb);
+  }
+  if (!(t0 <= t1)) return false;
+  ax = x1 + t0 * dx;
+  ay = y1 + t0 * dy;
+  bx = x1 + t1 * dx;
+  by = y1 + t1 * dy;
+  return true;
+}
 
 const char* const ThingNames[ThingCount] = {
     "Reference point", "Current curve",   "Other curves",    "Interpolated points",

@@ -10,6 +10,7 @@
 //   drawMesh  draw given triangles as the mesh is drawn
 //   pointLabel  the label of a point: its type letters and its number
 //   REDRAW  erase and draw the whole picture
+//   lineThroughBox  a line through two points cut to the box
 //   displayLook  the colours of the things and what the picture shows
 //   setUnderlay  a drawing (PNG or JPEG) shown under the picture in the window
 //   UNDRLY  take a drawing as the underlay: check it, erase, set, draw
@@ -75,6 +76,11 @@ inline constexpr int SnapEndMark = 15;
 // Size of the point labels.
 inline constexpr double LabelSize = 0.5;
 
+// lineThroughBox: the line through (x1, y1) and (x2, y2), extended both
+// ways, cut to the bounding box: its ends (ax, ay) and (bx, by); false when
+// it misses the box or the two points coincide.
+bool lineThroughBox(double x1, double y1, double x2, double y2, double& ax, double& ay,
+                    double& bx, double& by);
 // DPKNTR: with `erase` clear the display rectangle and nothing else;
 // otherwise draw grid, mesh, curves, snap line, marks and auxiliary line,
 // first scaling the plot to the box when `rescale`.

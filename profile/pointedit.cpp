@@ -198,26 +198,7 @@ void crossHairs(double x, double y, bool horizontal, bool vertical) {
 // The snap line cut to the box: the ends a, b; false when it misses.
 bool snapLineInBox(XY& a, XY& b) {
   const ProfileData& p = profile();
-  const double x1 = p.SNAPLN(1), y1 = p.SNAPLN(2);
-  const double dx = p.SNAPLN(3) - x1, dy = p.SNAPLN(4) - y1;
-  if (dx == 0.0 && dy == 0.0) return false;
-  double t0 = -HUGE_VAL, t1 = HUGE_VAL;
-  const double lo[2] = {p.PRBBOX(1), p.PRBBOX(3)}, hi[2] = {p.PRBBOX(2), p.PRBBOX(4)};
-  const double o[2] = {x1, y1}, d[2] = {dx, dy};
-  for (int k = 0; k < 2; ++k) {
-    if (d[k] == 0.0) {
-      if (o[k] < lo[k] || o[k] > hi[k]) return false;
-      continue;
-    }
-    double ta = (lo[k] - o[k]) / d[k], tb = (hi[k] - o[k]) / d[k];
-    if (ta > tb) std::swap(ta, tb);
-    t0 = std::max(t0, ta);
-    t1 = std::min(t1, tb);
-  }
-  if (!(t0 <= t1)) return false;
-  a = XY{x1 + t0 * dx, y1 + t0 * dy};
-  b = XY{x1 + t1 * dx, y1 + t1 * dy};
-  return true;
+  return lineThroughBox(p.SNAPLN(1), p.SNAPLN(2), p.SNAPLN(3), p.SNAPLN(4), a.x, a.y, b.x, b.y);
 }
 
 // The point of the segment a-b nearest to (x, y).

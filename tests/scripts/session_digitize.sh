@@ -1,8 +1,9 @@
 # Digitizing off a drawing: a scanned drawing (PNG) under the plot, the
 # digitizer calibrated on three of its known points, a curve of four points
 # digitized, and the saved coordinates in the drawing's own units.
-pictures="$(cd "$(dirname "$0")" && pwd)/pictures.py"
-source "$(dirname "$0")/lib.sh"
+here="$(cd "$(dirname "$0")" && pwd)"
+source "$here/lib.sh"
+source "$here/window_lib.sh"
 unset DISPLAY
 
 # The drawing: a white sheet with a blue rectangle, 600 x 300 pixels, for a
@@ -29,29 +30,6 @@ PY
 echo "not a picture" >notes.txt
 
 box=$'1\n0,10\n0,5\n'
-# predicted W H X Y: the window pixel of model point (X, Y) for the box
-# 0..10 x 0..5 on a window of W x H, through the margins of the window's
-# frame and equal units on both axes.
-predicted() {
-  python3 - "$@" <<'PY'
-import sys
-W, H, x, y = (float(v) for v in sys.argv[1:])
-asp = H / W
-fx = 0.03 * asp
-ml, mr, mb, mt = fx, 0.2 + fx, 0.1 + 0.03, 0.05 + 0.03
-x0, x1, y0, y1 = 0.0, 10.0, 0.0, 5.0
-a, b = 1 - ml - mr, 1 - mt - mb
-w, h = x1 - x0, y1 - y0
-r = (a / b) * (h / w) / asp
-d = asp * w / a - h / b
-ex, ey = (0.0, 0.5 - r / 2) if d > 0 else (0.5 - 1 / (2 * r), 0.0)
-X0 = x0 - (ex + ml / a) * w / (1 - 2 * ex)
-X1 = x1 + (ex + mr / a) * w / (1 - 2 * ex)
-Y0 = y0 - (ey + mb / b) * h / (1 - 2 * ey)
-Y1 = y1 + (ey + mt / b) * h / (1 - 2 * ey)
-print(round((W - 1) * (x - X0) / (X1 - X0)), round((H - 1) * (1 - (y - Y0) / (Y1 - Y0))))
-PY
-}
 # pixel_of U V: "PX, PY", the window pixel under pixel (U, V) of the drawing
 # (600 x 300, filling the box 0..10 x 0..5).
 pixel_of() {
