@@ -11,6 +11,7 @@
 #include "framework/text.h"
 #include "graphics/dialogue.h"
 #include "graphics/plotstate.h"
+#include "graphics/view.h"
 #include "profile/block.h"
 #include "profile/curverecord.h"
 #include "profile/display.h"
@@ -190,6 +191,60 @@ void runEditor(const Editor& e, int& item, bool& status) {
     double length = p.PRTANL(c, j)(lengthSlot);
     if (!ofType && !(length > 0.0)) length = 1.0;
     const XY at{p.PRPNTS(c, j)(1), p.PRPNTS(c, j)(2)};
+    // store the type and the tangent: erase, change, draw
+    auto store = [&](XY direction, double length, bool& status) {
+      picture(true, status);
+      if (status) return;
+      p.PRTANV(c, j)(slot) = direction.x;
+      p.PRTANV(c, j)(slot + 1) = direction.y;
+      p.PRTANL(c, j)(lengthSlot) = length;
+      if (!ofType && e.type != LeadingTangent && e.type != TrailingTangent) {
+        // a fresh equal or double tangent point starts with both lengths set
+        for (int k = 1; k <= 2; ++k)
+          if (!(p.PRTANL(c, j)(k) > 0.0)) p.PRTANL(c, j)(k) = 1.0;
+        if (e.type == BothTangents && row.leadingSide && p.PRTANV(c, j)(3) == 0.0 &&
+            p.PRTANV(c, j)(4) == 0.0) {
+          XY other;
+          if (solvedTangent(c, j, false, size / 1000.0, other, status)) {
+            p.PRTANV(c, j)(3) = other.x;
+            p.PRTANV(c, j)(4) = other.y;
+          }
+        }
+      }
+      p.PRPTYP(c, j) = e.type;
+      p.MODFLG = true;
+      picture(false, status);
+    };
+    if (gr::viewState().DYNGRF) {
+      // the tangent follows the pointer: a left press ends, Escape puts it back
+      const ProfileData kept = p;
+      store(direction, length, status);
+      if (status) return;
+      gr::GPRMPT(1, "Drag the tangent: a left press ends, Escape puts it back");
+      for (;;) {
+        int result = 0;
+        double x = 0.0, y = 0.0;
+        bool pressed = false;
+        gr::GTRACK(result, x, y, pressed);
+        if (result == gr::TrackCancel) {
+          picture(true, status);
+          p = kept;
+          if (!status) picture(false, status);
+          break;
+        }
+        if (result == gr::TrackDone && !pressed) break;
+        const double a = x - at.x, b = y - at.y, d = std::hypot(a, b);
+        if (d > 0.0) {
+          if (row.change != Change::Length) direction = XY{a, b};
+          if (row.change != Change::Direction) length = d / unit;
+          store(direction, length, status);
+          if (status) return;
+        }
+        if (result == gr::TrackDone) break;
+      }
+      if (status) return;
+      continue;
+    }
     const char* side = row.leadingSide ? "leading" : "trailing";
     bool positioned = false;
     bool answered = false;
@@ -252,28 +307,7 @@ void runEditor(const Editor& e, int& item, bool& status) {
       if (cancel) break;
       continue;
     }
-    // store the type and the tangent: erase, change, draw
-    picture(true, status);
-    if (status) return;
-    p.PRTANV(c, j)(slot) = direction.x;
-    p.PRTANV(c, j)(slot + 1) = direction.y;
-    p.PRTANL(c, j)(lengthSlot) = length;
-    if (!ofType && e.type != LeadingTangent && e.type != TrailingTangent) {
-      // a fresh equal or double tangent point starts with both lengths set
-      for (int k = 1; k <= 2; ++k)
-        if (!(p.PRTANL(c, j)(k) > 0.0)) p.PRTANL(c, j)(k) = 1.0;
-      if (e.type == BothTangents && row.leadingSide && p.PRTANV(c, j)(3) == 0.0 &&
-          p.PRTANV(c, j)(4) == 0.0) {
-        XY other;
-        if (solvedTangent(c, j, false, size / 1000.0, other, status)) {
-          p.PRTANV(c, j)(3) = other.x;
-          p.PRTANV(c, j)(4) = other.y;
-        }
-      }
-    }
-    p.PRPTYP(c, j) = e.type;
-    p.MODFLG = true;
-    picture(false, status);
+    store(direction, length, status);
     if (status) return;
   }
   // done: the lit segments go out

@@ -29,6 +29,10 @@ PY
 # 1, 2; the next point question "$", DONE leaves the tangent menu.
 open=$'2\n1\n0,0\n1,1\n1\n3,2\n1\n5,2.5\n1\n7,2\n1\n9,1\n1\n\nno\n'
 tangent=$'4\n#item 4\n#item 5\n#item 6\n#item 1\n3\n1,2\n$\n#picture tangent.png\n'
+# With dynamic graphics on, point 2's trailing tangent (7) dragged by
+# direction and length (3) to (4, 3): a move, then a pick ends it.
+tangent+=$'#item 4\n#button DYN\n#item 7\n#item 3\n2\n#move 3.5, 2.5\n#pick 4, 3\n$\n#item 4\n'
+tangent+=$'#picture dragged.png\n'
 run_kntr "tangent"$'\nyes\nACME\nme\n'"$box$open$tangent$leave"
 check "second session exit 0" test "$status" -eq 0
 check "leading tangent menu" contains out "LEADING TANGENT"
@@ -41,5 +45,13 @@ assert rows[at][1] == "3", rows[at]
 values = [float(v) for r in rows[at + 1:at + 3] for v in r][:3]
 assert values == [1.0, 2.0, 1.0], rows[at:at + 3]
 PY
-check "picture written" test -s tangent.png
+check "picture written" test -s tangent.png -a -s dragged.png
+check "dragged trailing tangent saved" python3 - <<'PY'
+rows = [l.split() for l in open("tangent.KNT").read().splitlines()[12:]]
+at = next(i for i, r in enumerate(rows) if len(r) == 4 and r[0] == "2")
+assert rows[at][1] == "4", rows[at]
+x, y, length = [float(v) for r in rows[at + 1:at + 3] for v in r][:3]
+# the vector from the point (3, 2) to the pointer (4, 3), kept as it was given
+assert abs(x - 1.0) < 1e-9 and abs(y - 1.0) < 1e-9 and length > 0.0, rows[at:at + 3]
+PY
 finish
