@@ -220,8 +220,13 @@ bool sameName(const Name& name, const char* text) {
   return std::string_view(name.data()) == text;
 }
 
+// Set when the scan met a character that fits no token: the text is then
+// refused as a whole, so no part of it is taken as the answer.
+bool illegalSeen = false;
+
 void illegalToken(int position) {
   platform::writeStandardOutput(" illegal token in position" + fmt::I(position, 12) + "\n");
+  illegalSeen = true;
 }
 
 // EXTOKN: the next token of `text` from `position` (1-based, moved past
@@ -911,12 +916,15 @@ void EVALEX(std::string_view text, int wanted, int& integerResult, double& realR
   evaluation.realResult = &real;
   evaluation.logicalResult = &logical;
   evaluation.text = text;
+  illegalSeen = false;
   Parser parser(text, valueStack(), evaluation, status);
   if (!parser.run()) {
     // A syntax error: told, unless an error on the way was told already.
     if (!status) ERRSCN("Syntax error in expression ** {gre" + literal(text) + "{red **");
     status = true;
   }
+  // an illegal character has been told where the scan stopped
+  if (illegalSeen) status = true;
   if (status) return;
   if (wanted == ValueInteger) integerResult = integer;
   if (wanted == ValueReal) realResult = real;
