@@ -11,6 +11,7 @@
 #include "graphics/plotstate.h"
 #include "profile/block.h"
 #include "profile/display.h"
+#include "profile/pointedit.h"
 
 namespace kntr::profile {
 
@@ -22,19 +23,13 @@ namespace gr = graphics;
 // The state of a toggle after its name.
 std::string state(bool on) { return " " + fw::logicalStateText(on); }
 
-// The picture erased (the frame kept) or drawn.
-void picture(bool erase, bool& status) {
-  DPKNTR(erase, false, status);
-  if (erase) gr::GWFRAM();
-}
-
 // Erase, change, draw: the pattern of every setting.
 template <class Change>
 void changePicture(Change change, bool& status) {
-  picture(true, status);
+  windowPicture(true, false, status);
   if (status) return;
   change();
-  picture(false, status);
+  windowPicture(false, false, status);
   gr::flushPlot();
 }
 

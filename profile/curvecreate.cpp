@@ -14,6 +14,7 @@
 #include "graphics/view.h"
 #include "profile/block.h"
 #include "profile/display.h"
+#include "profile/pointedit.h"
 #include "profile/wholeprofile.h"
 
 namespace kntr::profile {
@@ -23,31 +24,14 @@ namespace {
 namespace fw = framework;
 namespace gr = graphics;
 
-void picture(bool erase, bool& status) {
-  DPKNTR(erase, false, status);
-  if (erase) gr::GWFRAM();
-  else gr::flushPlot();
-}
-
-// The window's redraw routine while digitizing.
-void windowPicture(bool erase, bool rescale, bool& status) {
-  DPKNTR(erase, rescale, status);
-  if (erase) gr::GWFRAM();
-}
-
-void redraw(bool& status) {
-  picture(true, status);
-  if (!status) picture(false, status);
-}
-
 // The rubber band from the latest point of the new curve to the pointer.
 void rubberBand(double x, double y) {
   const ProfileData& p = profile();
   const int c = p.NPRCRV;
   if (c < 1 || p.NPRPNT(c) < 1) return;
   bool status = false;
-  picture(true, status);
-  if (!status) picture(false, status);
+  windowPicture(true, false, status);
+  if (!status) windowPicture(false, false, status);
   if (status) return;
   const int j = p.NPRPNT(c);
   gr::GCOLOR(CurveColour);
@@ -109,25 +93,25 @@ bool inputPoints(const PointInput& in, bool& status) {
       if (row == latestRow && row != 0) {
         const int j = p.NPRPNT(c);
         if (j == 0) continue;
-        picture(true, status);
+        windowPicture(true, false, status);
         if (status) return false;
         p.PRPTYP(c, j) = knuckleRow ? Knuckle : ContinuousCurvature;
         p.PRKWGT(c, j) = knuckleRow ? 1.0 : 0.0;
         knuckleRow = !knuckleRow;
-        picture(false, status);
+        windowPicture(false, false, status);
         if (status) return false;
         continue;
       }
       if (row == cancelRow && row != 0) return false;
       if (row == doneRow) {
-        picture(true, status);
+        windowPicture(true, false, status);
         if (status) return false;
         p.PRCLSD(c) = false;
-        picture(false, status);
+        windowPicture(false, false, status);
         return !status;
       }
       if (row == closeRow) {
-        picture(true, status);
+        windowPicture(true, false, status);
         if (status) return false;
         const int j = p.NPRPNT(c);
         if (j >= 2 && coincident(lastX, lastY, p.PRPNTS(c, 1)(1), p.PRPNTS(c, 1)(2))) {
@@ -138,7 +122,7 @@ bool inputPoints(const PointInput& in, bool& status) {
           }
         }
         p.PRCLSD(c) = true;
-        picture(false, status);
+        windowPicture(false, false, status);
         return !status;
       }
       continue;
@@ -180,7 +164,7 @@ bool inputPoints(const PointInput& in, bool& status) {
       fw::askYesNo("OK to close profile curve? (yes/no)", true, "yes",
                    "First and latest profile point coincides", true, yes, cancelled);
       if (yes) {
-        picture(true, status);
+        windowPicture(true, false, status);
         if (status) return false;
         p.PRCLSD(c) = true;
         if (in.keepClosing) {
@@ -189,15 +173,15 @@ bool inputPoints(const PointInput& in, bool& status) {
           p.PRPNTS(c, j) = Array1<double, 2>{{x, y}};
           p.PRPTYP(c, j) = in.storedType;
           p.PRKWGT(c, j) = in.storedWeight;
-          picture(false, status);
+          windowPicture(false, false, status);
           if (status) return false;
           continue;
         }
-        picture(false, status);
+        windowPicture(false, false, status);
         return !status;
       }
     }
-    picture(true, status);
+    windowPicture(true, false, status);
     if (status) return false;
     p.NPRPNT(c) = j;
     p.PRPNTS(c, j) = Array1<double, 2>{{x, y}};
@@ -207,7 +191,7 @@ bool inputPoints(const PointInput& in, bool& status) {
     p.PRTANL(c, j) = Array1<double, 2>{};
     p.CURPNT = j;
     p.MODFLG = true;
-    picture(false, status);
+    windowPicture(false, false, status);
     if (status) return false;
     knuckleRow = true;
   }
@@ -227,7 +211,7 @@ void CRPRCV(bool& status) {
     if (cancel || status) return;
     DGREFP(false, false, cancel, status);
     if (cancel || status) return;
-    redraw(status);
+    windowRedraw(false, status);
     if (status) return;
   }
   const ProfileData before = p;
@@ -240,10 +224,10 @@ void CRPRCV(bool& status) {
   if (!inputPoints(in, status)) {
     // a cancelled or failed creation leaves the profile as it was
     bool ignored = false;
-    picture(true, ignored);
+    windowPicture(true, false, ignored);
     const bool failed = status;
     p = before;
-    picture(false, ignored);
+    windowPicture(false, false, ignored);
     status = failed;
     return;
   }
@@ -333,7 +317,7 @@ void digitizingMenu(bool& status) {
                               after.X1 != before.X1 || after.Y1 != before.Y1 ||
                               after.X2 != before.X2 || after.Y3 != before.Y3;
       if (!failed && calibrated) scaled = true;
-      redraw(status);
+      windowRedraw(false, status);
       if (status) return;
       continue;
     }

@@ -28,19 +28,6 @@ namespace {
 namespace fw = framework;
 namespace gr = graphics;
 
-// The picture in the window: the profile's picture, and the frame drawn
-// again after an erase (the display rectangle reaches into it).
-void picture(bool erase, bool rescale, bool& status) {
-  DPKNTR(erase, rescale, status);
-  if (erase) gr::GWFRAM();
-}
-
-void redraw(bool& status) {
-  picture(true, false, status);
-  if (!status) picture(false, false, status);
-  gr::flushPlot();
-}
-
 // The rows of "PROFILE MANIPULATION" as the profile stands.
 std::array<std::string, 12> manipulationRows() {
   const ProfileData& p = profile();
@@ -68,14 +55,14 @@ void MNPRCV(bool& status) {
   // The view: the box, flat in z.
   bool failed = false;
   gr::SPBBOX(p.PRBBOX(1), p.PRBBOX(2), p.PRBBOX(3), p.PRBBOX(4), 0.0, 0.0, failed);
-  gr::OPNWIN(picture, failed);
+  gr::OPNWIN(windowPicture, failed);
   if (failed) {
     status = true;
     return;
   }
   fw::program().terminalInput = false;
   gr::setUnderlayHandler(UNDRLY);
-  picture(false, true, status);
+  windowPicture(false, true, status);
   gr::flushPlot();
   for (;;) {
     const auto rows = manipulationRows();
@@ -88,7 +75,7 @@ void MNPRCV(bool& status) {
       case 1:
         if (p.NPRCRV > 1) {
           p.CURCRV = p.CURCRV >= p.NPRCRV ? 1 : p.CURCRV + 1;
-          redraw(st);
+          windowRedraw(false, st);
         }
         break;
       case 3:
@@ -113,13 +100,13 @@ void MNPRCV(bool& status) {
         if (p.NPRCRV == 0) {
           fw::ERRSCN("No profile curves to delete!");
         } else {
-          picture(true, false, st);
+          windowPicture(true, false, st);
           if (st) break;
           RMPRCV(p.CURCRV, st);
           if (st) break;
           if (p.CURCRV > 1) --p.CURCRV;
           p.MODFLG = true;
-          picture(false, false, st);
+          windowPicture(false, false, st);
           gr::flushPlot();
         }
         break;
@@ -167,7 +154,7 @@ void MNDISP(bool& status) {
     } else {
       // the hardcopy of the picture, asked in the terminal; then the window again
       PLKNTR(status);
-      if (!status) redraw(status);
+      if (!status) windowRedraw(false, status);
     }
     if (status) return;
   }
@@ -192,11 +179,11 @@ void CTDISP(bool& status) {
       continue;
     }
     // Erase, flip, draw; a failing picture ends the menu.
-    picture(true, false, status);
+    windowPicture(true, false, status);
     if (status) return;
     bool& flag = selection == 1 ? p.SHOWGR : p.SHOWCB;
     flag = !flag;
-    picture(false, false, status);
+    windowPicture(false, false, status);
     gr::flushPlot();
     if (status) return;
   }

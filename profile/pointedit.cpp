@@ -637,7 +637,15 @@ bool askPositive(std::string_view question, const std::string& deflt, const char
 
 void windowPicture(bool erase, bool rescale, bool& status) {
   DPKNTR(erase, rescale, status);
-  if (erase) gr::GWFRAM();
+  if (erase)
+    gr::GWFRAM();
+  else
+    gr::flushPlot();
+}
+
+void windowRedraw(bool rescale, bool& status) {
+  windowPicture(true, false, status);
+  if (!status) windowPicture(false, rescale, status);
 }
 
 void dragPoint(int c, int j, double x, double y, bool& status) {

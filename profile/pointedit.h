@@ -12,6 +12,7 @@
 //   DLPRPN  delete points
 //   FTBBOX  grow or fit the bounding box to the curves
 //   windowPicture  the profile's picture in the window (erase or draw)
+//   windowRedraw   erase, draw and show the picture in the window
 //   dragPoint  one step of a drag: the point stored and the picture drawn anew
 //   segmentPoint  the point of a segment at a given X, Y or parameter
 #pragma once
@@ -54,8 +55,11 @@ void DLPRPN(int& item, bool& status);
 void FTBBOX(bool fit, bool& status);
 
 // windowPicture: erase the picture (and draw the frame again), or draw it,
-// rescaled to the box when `rescale`.
+// rescaled to the box when `rescale`, and show it.
 void windowPicture(bool erase, bool rescale, bool& status);
+// windowRedraw: erase the picture and draw it (first scaled to the box when
+// `rescale`).
+void windowRedraw(bool rescale, bool& status);
 
 // dragPoint: point j of curve c to (x, y) as one step of a drag with the
 // picture drawn anew: erase, store, draw.

@@ -15,6 +15,7 @@
 #include "profile/block.h"
 #include "profile/curverecord.h"
 #include "profile/display.h"
+#include "profile/pointedit.h"
 #include "profile/pointpick.h"
 #include "spline/knots.h"
 #include "spline/tangents.h"
@@ -25,12 +26,6 @@ namespace {
 
 namespace fw = framework;
 namespace gr = graphics;
-
-void picture(bool erase, bool& status) {
-  DPKNTR(erase, false, status);
-  if (erase) gr::GWFRAM();
-  else gr::flushPlot();
-}
 
 // The larger side of the visible window.
 double windowSize() {
@@ -167,12 +162,12 @@ void runEditor(const Editor& e, int& item, bool& status) {
       fw::PRMESG("Trailing tangent has no effect on curve for the last point on an open curve");
 
     // the segments the tangent acts on, lit
-    picture(true, status);
+    windowPicture(true, false, status);
     if (status) return;
     p.HILSEG(1) = e.type == EqualTangents ? tangentSegment(c, j, true)
                                            : tangentSegment(c, j, row.leadingSide);
     p.HILSEG(2) = e.type == EqualTangents ? tangentSegment(c, j, false) : 0;
-    picture(false, status);
+    windowPicture(false, false, status);
     if (status) return;
 
     // where the editing starts: the point's own tangent, or the solved one
@@ -193,7 +188,7 @@ void runEditor(const Editor& e, int& item, bool& status) {
     const XY at{p.PRPNTS(c, j)(1), p.PRPNTS(c, j)(2)};
     // store the type and the tangent: erase, change, draw
     auto store = [&](XY direction, double length, bool& status) {
-      picture(true, status);
+      windowPicture(true, false, status);
       if (status) return;
       p.PRTANV(c, j)(slot) = direction.x;
       p.PRTANV(c, j)(slot + 1) = direction.y;
@@ -213,7 +208,7 @@ void runEditor(const Editor& e, int& item, bool& status) {
       }
       p.PRPTYP(c, j) = e.type;
       p.MODFLG = true;
-      picture(false, status);
+      windowPicture(false, false, status);
     };
     if (gr::viewState().DYNGRF) {
       // the tangent follows the pointer: a left press ends, Escape puts it back
@@ -227,9 +222,9 @@ void runEditor(const Editor& e, int& item, bool& status) {
         bool pressed = false;
         gr::GTRACK(result, x, y, pressed);
         if (result == gr::TrackCancel) {
-          picture(true, status);
+          windowPicture(true, false, status);
           p = kept;
-          if (!status) picture(false, status);
+          if (!status) windowPicture(false, false, status);
           break;
         }
         if (result == gr::TrackDone && !pressed) break;
@@ -311,11 +306,11 @@ void runEditor(const Editor& e, int& item, bool& status) {
     if (status) return;
   }
   // done: the lit segments go out
-  picture(true, status);
+  windowPicture(true, false, status);
   if (status) return;
   p.HILSEG(1) = 0;
   p.HILSEG(2) = 0;
-  picture(false, status);
+  windowPicture(false, false, status);
 }
 
 }  // namespace
@@ -393,12 +388,12 @@ void MDPNTK(int type, bool weighted, int& item, bool& cancel, bool& status) {
       fw::ERRSCN(std::string("Deadlock of spline would occur if using ") + what + " here!");
       continue;
     }
-    picture(true, status);
+    windowPicture(true, false, status);
     if (status) return;
     p.PRPTYP(c, j) = type;
     p.PRKWGT(c, j) = weight;
     p.MODFLG = true;
-    picture(false, status);
+    windowPicture(false, false, status);
     if (status) return;
   }
 }

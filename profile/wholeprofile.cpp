@@ -30,17 +30,6 @@ namespace gr = graphics;
 
 constexpr double Pi = 3.141592653589793;
 
-void picture(bool erase, bool rescale, bool& status) {
-  DPKNTR(erase, rescale, status);
-  if (erase) gr::GWFRAM();
-}
-
-void redraw(bool rescale, bool& status) {
-  picture(true, false, status);
-  if (!status) picture(false, rescale, status);
-  gr::flushPlot();
-}
-
 // The box handed to the plot after it changed.
 void boxToPlot() {
   const ProfileData& p = profile();
@@ -259,21 +248,21 @@ void TRKNTR(int& item, bool& cancel, bool& status) {
   if (!pairAnswer("Select item, digitize or input translation (XY) [m]", "0, 0",
                   "Digitized translation is relative to reference point", dx, dy, positioned,
                   item, cancel)) {
-    redraw(false, status);
+    windowRedraw(false, status);
     return;
   }
   if (positioned) {
     dx -= p.PRREFP(1);
     dy -= p.PRREFP(2);
   }
-  picture(true, false, status);
+  windowPicture(true, false, status);
   if (status) return;
   translateProfile(dx, dy);
   p.MODFLG = true;
   FTBBOX(false, status);
   if (status) return;
   boxToPlot();
-  picture(false, true, status);
+  windowPicture(false, true, status);
   gr::flushPlot();
 }
 
@@ -302,14 +291,14 @@ void RTKNTR(double& angle, int& item, bool& cancel, bool& status) {
     angle = v[0];
     break;
   }
-  picture(true, false, status);
+  windowPicture(true, false, status);
   if (status) return;
   rotateProfile(angle);
   p.MODFLG = true;
   FTBBOX(false, status);
   if (status) return;
   boxToPlot();
-  picture(false, true, status);
+  windowPicture(false, true, status);
   gr::flushPlot();
 }
 
@@ -380,14 +369,14 @@ void INSNAP(int& item, bool& cancel, bool& status) {
   double first[3], second[3];
   if (!lineInBox(point[0][0], point[0][1], point[1][0], point[1][1], first, second)) {
     fw::ERRSCN("(INSNAP) Could not fit snap line to bounding box!");
-    redraw(false, status);
+    windowRedraw(false, status);
     return;
   }
-  picture(true, false, status);
+  windowPicture(true, false, status);
   if (status) return;
   p.SNAPLN = Array1<double, 4>{{point[0][0], point[0][1], point[1][0], point[1][1]}};
   p.SNAPOK = true;
-  picture(false, false, status);
+  windowPicture(false, false, status);
   gr::flushPlot();
 }
 
@@ -412,7 +401,7 @@ void MDKNTR(bool& status) {
         SLPRTP(cancel, status);
         if (!cancel && !status) {
           if (p.PRFTYP != before) p.MODFLG = true;
-          redraw(false, status);
+          windowRedraw(false, status);
         }
         break;
       }
@@ -422,11 +411,11 @@ void MDKNTR(bool& status) {
         SLPARM(code, cancel, status);
         if (cancel || status) break;
         if (code != p.PRPARM(p.CURCRV)) {
-          picture(true, false, status);
+          windowPicture(true, false, status);
           if (status) break;
           p.PRPARM(p.CURCRV) = code;
           p.MODFLG = true;
-          picture(false, false, status);
+          windowPicture(false, false, status);
           gr::flushPlot();
         }
         break;
@@ -458,7 +447,7 @@ void MDKNTR(bool& status) {
           }
         }
         const ProfileData before = p;
-        picture(true, false, status);
+        windowPicture(true, false, status);
         if (status) break;
         if (p.PRCLSD(p.CURCRV)) {
           SPPRCV(item, cancel, status);
@@ -467,22 +456,22 @@ void MDKNTR(bool& status) {
           JNPRCV(p.CURCRV, status);
         }
         if (!(p == before)) p.MODFLG = true;
-        picture(false, false, status);
+        windowPicture(false, false, status);
         gr::flushPlot();
         break;
       }
       case 4: ORKNTR(status); break;
       case 5:
         DGREFP(true, false, cancel, status);
-        if (!status) redraw(false, status);
+        if (!status) windowRedraw(false, status);
         break;
       case 6:
         FTBBOX(true, status);
         if (status) break;
         boxToPlot();
         p.MODFLG = true;
-        picture(true, false, status);
-        if (!status) picture(false, true, status);
+        windowPicture(true, false, status);
+        if (!status) windowPicture(false, true, status);
         gr::flushPlot();
         break;
       default: break;
